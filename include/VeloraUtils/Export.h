@@ -1,0 +1,18 @@
+// Export.h - the one place that decides how VeloraUtils symbols cross the library boundary.
+// VELORA_API marks exported classes and functions; VELORA_C_API additionally gives the U_
+// functions their unmangled C names.
+#pragma once
+
+#if defined(_WIN32)
+#if defined(VELORA_STATIC)
+#define VELORA_API
+#elif defined(VELORA_BUILDING_LIBRARY)
+#define VELORA_API __declspec(dllexport)
+#else
+#define VELORA_API __declspec(dllimport)
+#endif
+#else
+#define VELORA_API __attribute__((visibility("default")))
+#endif
+
+#define VELORA_C_API extern "C" VELORA_API
