@@ -4,7 +4,6 @@
 
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -19,198 +18,122 @@ template <class T> const std::vector<T>& RandomValues() {
     static const std::vector<T> values = [] {
         std::mt19937_64 rng(42);
         std::vector<T> v(kValues);
-        for (auto& x : v)
-            x = static_cast<T>(rng());
+        for (auto& x : v) x = static_cast<T>(rng());
         return v;
     }();
     return values;
 }
 
-// Every benchmark sums the lengths it produced; the sum is checked against to_chars after the loop.
-template <class T> std::uint64_t ExpectedLengthSum(std::uint64_t iterations) {
+// Sum of the text lengths std::to_chars gives for the first `iterations` values, plus one ","
+// per full group of three digits for grouped text.
+template <class T> std::uint64_t ExpectedLengthSum(std::uint64_t iterations, bool grouped) {
     const auto& values = RandomValues<T>();
     std::uint64_t sum = 0;
     for (std::uint64_t i = 0; i < iterations; ++i) {
         char buf[32];
-        sum += static_cast<std::uint64_t>(std::to_chars(buf, buf + 32, values[i & (kValues - 1)]).ptr - buf);
+        const auto length =
+            static_cast<std::uint64_t>(std::to_chars(buf, buf + 32, values[i & (kValues - 1)]).ptr - buf);
+        const std::uint64_t digits = length - (buf[0] == '-' ? 1 : 0);
+        sum += length + (grouped ? (digits - 1) / 3 : 0);
     }
     return sum;
 }
 
-template <class T> void CheckLengths(benchmark::State& state, std::uint64_t sum, std::uint64_t extraPerValue = 0) {
-    const auto iterations = static_cast<std::uint64_t>(state.iterations());
-    if (sum != ExpectedLengthSum<T>(iterations) + extraPerValue * iterations)
+// Runs `write(value)` (which returns the length of the text it made) over the random values and
+// checks the total length after the timed loop.
+template <class T, class Write> void RunWriter(benchmark::State& state, Write write, bool grouped = false) {
+    const auto& values = RandomValues<T>();
+    std::uint64_t i = 0, sum = 0;
+    for (auto _ : state) sum += write(values[i++ & (kValues - 1)]);
+    if (sum != ExpectedLengthSum<T>(static_cast<std::uint64_t>(state.iterations()), grouped))
         state.SkipWithError("wrong total text length");
 }
 
-void BM_UIntToStr(benchmark::State& state) {
-    const auto& values = RandomValues<unsigned int>();
+// Buffer family: the result points into the buffer, the text ends at its last byte.
+template <class T, class Writer>
+void RunBufferWriter(benchmark::State& state, Writer writer, bool grouped = false) {
     char buf[32];
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        const char* first = U_UIntToStr(values[i++ & (kValues - 1)], buf, sizeof buf, 0, 0);
-        benchmark::DoNotOptimize(first);
-        sum += static_cast<std::uint64_t>(buf + sizeof buf - 1 - first);
-    }
-    CheckLengths<unsigned int>(state, sum);
+    RunWriter<T>(
+        state,
+        [&](T v) {
+            const char* first = writer(v, buf, sizeof buf);
+            benchmark::DoNotOptimize(first);
+            return static_cast<std::uint64_t>(buf + sizeof buf - 1 - first);
+        },
+        grouped);
 }
-BENCHMARK(BM_UIntToStr);
 
-void BM_ToChars32(benchmark::State& state) {
-    const auto& values = RandomValues<unsigned int>();
+template <class T> void RunToChars(benchmark::State& state) {
     char buf[32];
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        char* end = std::to_chars(buf, buf + sizeof buf, values[i++ & (kValues - 1)]).ptr;
+    RunWriter<T>(state, [&](T v) {
+        char* end = std::to_chars(buf, buf + sizeof buf, v).ptr;
         *end = '\0';
         benchmark::DoNotOptimize(buf);
-        sum += static_cast<std::uint64_t>(end - buf);
-    }
-    CheckLengths<unsigned int>(state, sum);
+        return static_cast<std::uint64_t>(end - buf);
+    });
 }
-BENCHMARK(BM_ToChars32);
 
-void BM_FmtFormatInt32(benchmark::State& state) {
-    const auto& values = RandomValues<unsigned int>();
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        fmt::format_int text(values[i++ & (kValues - 1)]);
+template <class T> void RunFormatInt(benchmark::State& state) {
+    RunWriter<T>(state, [](T v) {
+        fmt::format_int text(v);
         benchmark::DoNotOptimize(text.c_str());
-        sum += text.size();
-    }
-    CheckLengths<unsigned int>(state, sum);
+        return static_cast<std::uint64_t>(text.size());
+    });
 }
-BENCHMARK(BM_FmtFormatInt32);
-
-void BM_UInt64ToStr(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
-    char buf[32];
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        const char* first = U_UInt64ToStr(values[i++ & (kValues - 1)], buf, sizeof buf, 0, 0);
-        benchmark::DoNotOptimize(first);
-        sum += static_cast<std::uint64_t>(buf + sizeof buf - 1 - first);
-    }
-    CheckLengths<std::uint64_t>(state, sum);
-}
-BENCHMARK(BM_UInt64ToStr);
-
-void BM_ToChars64(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
-    char buf[32];
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        char* end = std::to_chars(buf, buf + sizeof buf, values[i++ & (kValues - 1)]).ptr;
-        *end = '\0';
-        benchmark::DoNotOptimize(buf);
-        sum += static_cast<std::uint64_t>(end - buf);
-    }
-    CheckLengths<std::uint64_t>(state, sum);
-}
-BENCHMARK(BM_ToChars64);
-
-void BM_FmtFormatInt64(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        fmt::format_int text(values[i++ & (kValues - 1)]);
-        benchmark::DoNotOptimize(text.c_str());
-        sum += text.size();
-    }
-    CheckLengths<std::uint64_t>(state, sum);
-}
-BENCHMARK(BM_FmtFormatInt64);
 
 // Appending to a std::string whose capacity is already there, as a line builder does.
-void BM_AppendUInt64(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
+template <class T, class Append> void RunAppend(benchmark::State& state, Append append) {
     std::string s;
     s.reserve(64);
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
+    RunWriter<T>(state, [&](T v) {
         s.clear();
-        U_AppendUInt64(s, values[i++ & (kValues - 1)], 0);
+        append(s, v);
         benchmark::DoNotOptimize(s.data());
-        sum += s.size();
-    }
-    CheckLengths<std::uint64_t>(state, sum);
+        return static_cast<std::uint64_t>(s.size());
+    });
 }
-BENCHMARK(BM_AppendUInt64);
 
-void BM_ToChars64Append(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
-    std::string s;
-    s.reserve(64);
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        s.clear();
-        char buf[24];
-        char* end = std::to_chars(buf, buf + sizeof buf, values[i++ & (kValues - 1)]).ptr;
-        s.append(buf, end);
-        benchmark::DoNotOptimize(s.data());
-        sum += s.size();
-    }
-    CheckLengths<std::uint64_t>(state, sum);
+void BM_UIntToStr(benchmark::State& state) {
+    RunBufferWriter<unsigned>(state,
+                              [](unsigned v, char* b, unsigned s) { return U_UIntToStr(v, b, s, 0, 0); });
 }
-BENCHMARK(BM_ToChars64Append);
-
-void BM_FmtFormatInt64Append(benchmark::State& state) {
-    const auto& values = RandomValues<std::uint64_t>();
-    std::string s;
-    s.reserve(64);
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        s.clear();
-        fmt::format_int text(values[i++ & (kValues - 1)]);
-        s.append(text.data(), text.size());
-        benchmark::DoNotOptimize(s.data());
-        sum += s.size();
-    }
-    CheckLengths<std::uint64_t>(state, sum);
+void BM_UInt64ToStr(benchmark::State& state) {
+    RunBufferWriter<std::uint64_t>(
+        state, [](std::uint64_t v, char* b, unsigned s) { return U_UInt64ToStr(v, b, s, 0, 0); });
 }
-BENCHMARK(BM_FmtFormatInt64Append);
-
-// Grouped text is longer than the anchors' ungrouped text; the anchors still bound what a
-// grouping writer built on them would cost.
 void BM_IntToStrWithCommas(benchmark::State& state) {
-    const auto& values = RandomValues<int>();
-    char buf[32];
-    std::uint64_t i = 0, digits = 0;
-    for (auto _ : state) {
-        const char* first = U_IntToStrWithCommas(values[i++ & (kValues - 1)], buf, sizeof buf, 0, 0);
-        benchmark::DoNotOptimize(first);
-        for (const char* c = first; *c != '\0'; ++c)
-            digits += *c != ',';
-    }
-    CheckLengths<int>(state, digits);
+    RunBufferWriter<int>(
+        state, [](int v, char* b, unsigned s) { return U_IntToStrWithCommas(v, b, s, 0, 0); }, true);
 }
+void BM_AppendUInt64(benchmark::State& state) {
+    RunAppend<std::uint64_t>(state, [](std::string& s, std::uint64_t v) { U_AppendUInt64(s, v, 0); });
+}
+void BM_ToCharsAppend64(benchmark::State& state) {
+    RunAppend<std::uint64_t>(state, [](std::string& s, std::uint64_t v) {
+        char buf[24];
+        s.append(buf, std::to_chars(buf, buf + sizeof buf, v).ptr);
+    });
+}
+void BM_FormatIntAppend64(benchmark::State& state) {
+    RunAppend<std::uint64_t>(state, [](std::string& s, std::uint64_t v) {
+        fmt::format_int text(v);
+        s.append(text.data(), text.size());
+    });
+}
+
+BENCHMARK(BM_UIntToStr);
+BENCHMARK(RunToChars<unsigned>)->Name("BM_ToChars32");
+BENCHMARK(RunFormatInt<unsigned>)->Name("BM_FormatInt32");
+BENCHMARK(BM_UInt64ToStr);
+BENCHMARK(RunToChars<std::uint64_t>)->Name("BM_ToChars64");
+BENCHMARK(RunFormatInt<std::uint64_t>)->Name("BM_FormatInt64");
+BENCHMARK(BM_AppendUInt64);
+BENCHMARK(BM_ToCharsAppend64);
+BENCHMARK(BM_FormatIntAppend64);
+// Grouped text is longer than the anchors' plain text; they bound what grouping on top would cost.
 BENCHMARK(BM_IntToStrWithCommas);
-
-void BM_ToCharsInt32(benchmark::State& state) {
-    const auto& values = RandomValues<int>();
-    char buf[32];
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        char* end = std::to_chars(buf, buf + sizeof buf, values[i++ & (kValues - 1)]).ptr;
-        *end = '\0';
-        benchmark::DoNotOptimize(buf);
-        sum += static_cast<std::uint64_t>(end - buf);
-    }
-    CheckLengths<int>(state, sum);
-}
-BENCHMARK(BM_ToCharsInt32);
-
-void BM_FmtFormatIntSigned32(benchmark::State& state) {
-    const auto& values = RandomValues<int>();
-    std::uint64_t i = 0, sum = 0;
-    for (auto _ : state) {
-        fmt::format_int text(values[i++ & (kValues - 1)]);
-        benchmark::DoNotOptimize(text.c_str());
-        sum += text.size();
-    }
-    CheckLengths<int>(state, sum);
-}
-BENCHMARK(BM_FmtFormatIntSigned32);
+BENCHMARK(RunToChars<int>)->Name("BM_ToCharsSigned32");
+BENCHMARK(RunFormatInt<int>)->Name("BM_FormatIntSigned32");
 
 } // namespace
 

@@ -11,8 +11,7 @@
 namespace {
 
 void Check(bool condition) {
-    if (!condition)
-        std::abort();
+    if (!condition) std::abort();
 }
 
 void CheckResult(const char* buf, unsigned int size, const char* first) {
@@ -28,8 +27,7 @@ void CheckResult(const char* buf, unsigned int size, const char* first) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t length) {
-    if (length < 12)
-        return 0;
+    if (length < 12) return 0;
     std::uint64_t value;
     std::memcpy(&value, data, 8);
     const unsigned int size = data[8] % 48;
@@ -42,28 +40,72 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t leng
     char* first = nullptr;
     const auto v32 = static_cast<unsigned int>(value);
     switch (which) {
-    case 0: first = U_IntToStr(static_cast<int>(v32), buf, size, decimals, sep); break;
-    case 1: first = U_Int64ToStr(static_cast<std::int64_t>(value), buf, size, decimals, sep); break;
-    case 2: first = U_UIntToStr(v32, buf, size, decimals, sep); break;
-    case 3: first = U_UInt64ToStr(value, buf, size, decimals, sep); break;
-    case 4: first = U_ShortToStr(static_cast<short>(value), buf, size, sep); break;
-    case 5: first = U_UShortToStr(static_cast<unsigned short>(value), buf, size, sep); break;
-    case 6: first = U_UCharToStr(static_cast<unsigned char>(value), buf, size, sep); break;
-    case 7: first = U_CharAsIntToStr(static_cast<char>(value), buf, size, sep); break;
-    case 8: first = U_UCharHexToStr(static_cast<unsigned char>(value), buf, size, sep); break;
-    case 9: first = U_UShortHexToStr(static_cast<unsigned short>(value), buf, size, sep); break;
-    case 10: first = U_UIntHexToStr(v32, buf, size, sep); break;
-    case 11: first = U_UInt64HexToStr(value, buf, size, sep); break;
-    case 12: first = U_IntToStrWithCommas(static_cast<int>(v32), buf, size, decimals, sep); break;
-    case 13: first = U_UIntToStrWithCommas(v32, buf, size, decimals, sep); break;
-    case 14: first = U_UShortToStrWithCommas(static_cast<unsigned short>(value), buf, size, decimals, sep); break;
-    case 15: first = U_Int64ToStrWithCommas(static_cast<std::int64_t>(value), buf, size, decimals, sep); break;
-    case 16: first = U_UInt64ToStrWithCommas(value, buf, size, decimals, sep); break;
-    case 17: first = U_UIntToStrPad(v32, buf, size, data[9], (data[10] & 1) != 0, sep); break;
-    case 18: first = U_UIntToStrPrepended(v32, buf, size, 'x', sep); break;
-    case 19: first = U_UInt64ToStrPrepended(value, buf, size, ' ', sep); break;
-    case 20: first = U_UIntHexToStrPrepended(v32, buf, size, '0', sep); break;
-    default: first = U_UInt64HexToStrPrepended(value, buf, size, '0', sep); break;
+    case 0:
+        first = U_IntToStr(static_cast<int>(v32), buf, size, decimals, sep);
+        break;
+    case 1:
+        first = U_Int64ToStr(static_cast<std::int64_t>(value), buf, size, decimals, sep);
+        break;
+    case 2:
+        first = U_UIntToStr(v32, buf, size, decimals, sep);
+        break;
+    case 3:
+        first = U_UInt64ToStr(value, buf, size, decimals, sep);
+        break;
+    case 4:
+        first = U_ShortToStr(static_cast<short>(value), buf, size, sep);
+        break;
+    case 5:
+        first = U_UShortToStr(static_cast<unsigned short>(value), buf, size, sep);
+        break;
+    case 6:
+        first = U_UCharToStr(static_cast<unsigned char>(value), buf, size, sep);
+        break;
+    case 7:
+        first = U_CharAsIntToStr(static_cast<char>(value), buf, size, sep);
+        break;
+    case 8:
+        first = U_UCharHexToStr(static_cast<unsigned char>(value), buf, size, sep);
+        break;
+    case 9:
+        first = U_UShortHexToStr(static_cast<unsigned short>(value), buf, size, sep);
+        break;
+    case 10:
+        first = U_UIntHexToStr(v32, buf, size, sep);
+        break;
+    case 11:
+        first = U_UInt64HexToStr(value, buf, size, sep);
+        break;
+    case 12:
+        first = U_IntToStrWithCommas(static_cast<int>(v32), buf, size, decimals, sep);
+        break;
+    case 13:
+        first = U_UIntToStrWithCommas(v32, buf, size, decimals, sep);
+        break;
+    case 14:
+        first = U_UShortToStrWithCommas(static_cast<unsigned short>(value), buf, size, decimals, sep);
+        break;
+    case 15:
+        first = U_Int64ToStrWithCommas(static_cast<std::int64_t>(value), buf, size, decimals, sep);
+        break;
+    case 16:
+        first = U_UInt64ToStrWithCommas(value, buf, size, decimals, sep);
+        break;
+    case 17:
+        first = U_UIntToStrPad(v32, buf, size, data[9], (data[10] & 1) != 0, sep);
+        break;
+    case 18:
+        first = U_UIntToStrPrepended(v32, buf, size, 'x', sep);
+        break;
+    case 19:
+        first = U_UInt64ToStrPrepended(value, buf, size, ' ', sep);
+        break;
+    case 20:
+        first = U_UIntHexToStrPrepended(v32, buf, size, '0', sep);
+        break;
+    default:
+        first = U_UInt64HexToStrPrepended(value, buf, size, '0', sep);
+        break;
     }
     CheckResult(buf, size, first);
     return 0;

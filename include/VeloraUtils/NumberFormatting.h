@@ -9,6 +9,8 @@
 
 #include "VeloraUtils/Export.h"
 
+VELORA_CXX_IN_C_API_BEGIN
+
 // ---------------------------------------------------------------------------------------------
 // Append family. Each member appends the value's text to `s`, then `sep` unless it is 0, and
 // returns `s` so calls chain. Thread-safe on distinct strings; throws only std::length_error or
@@ -60,7 +62,7 @@ VELORA_C_API std::string& U_AppendFourDigits(std::string& s, unsigned int value,
 // already start at buf[0] the sign has no place inside the buffer and is left out.
 VELORA_C_API char* U_IntToStr(int value, char* buf, unsigned int size, unsigned char decimals, char sep);
 VELORA_C_API char* U_Int64ToStr(std::int64_t value, char* buf, unsigned int size, unsigned char decimals,
-                                 char sep);
+                                char sep);
 VELORA_C_API char* U_UIntToStr(unsigned int value, char* buf, unsigned int size, unsigned char decimals,
                                char sep);
 VELORA_C_API char* U_UInt64ToStr(std::uint64_t value, char* buf, unsigned int size, unsigned char decimals,
@@ -100,7 +102,8 @@ VELORA_C_API char* U_UIntToStrPad(unsigned int value, char* buf, unsigned int si
 
 // Digits (at least one), then `fill` in every position down to buf[0]; returns buf whenever
 // size > 0. 42 in a buffer of 6 with fill '0' is "00042".
-VELORA_C_API char* U_UIntToStrPrepended(unsigned int value, char* buf, unsigned int size, char fill, char sep);
+VELORA_C_API char* U_UIntToStrPrepended(unsigned int value, char* buf, unsigned int size, char fill,
+                                        char sep);
 VELORA_C_API char* U_UInt64ToStrPrepended(std::uint64_t value, char* buf, unsigned int size, char fill,
                                           char sep);
 VELORA_C_API char* U_UIntHexToStrPrepended(unsigned int value, char* buf, unsigned int size, char fill,
@@ -123,3 +126,5 @@ VELORA_C_API char* U_AppendTwoDigitsToBufWithNoTerm0(char* buf, unsigned int siz
 // returns its address; without one (a delimiter of 0 is never found) clears *found and returns the
 // address of the text's terminator. The next section starts one past the result.
 VELORA_C_API char* U_MarkSectionEnd(char* text, char delimiter, bool* found);
+
+VELORA_CXX_IN_C_API_END

@@ -32,8 +32,7 @@ template <class S> std::string& AppendSignedDecimal(std::string& s, S value, cha
     char* end = scratch + kScratch - 1;
     // Unsigned negation: the most negative value keeps its own bit pattern, as two's complement does.
     char* first = WriteDecimalBackward(end, value < 0 ? U{0} - static_cast<U>(value) : static_cast<U>(value));
-    if (value < 0)
-        *--first = '-';
+    if (value < 0) *--first = '-';
     return AppendWithSeparator(s, first, end, sep);
 }
 
@@ -44,11 +43,12 @@ template <class U> std::string& AppendHex(std::string& s, U value, char sep) {
 }
 
 void PushSeparator(std::string& s, char sep) {
-    if (sep != '\0')
-        s.push_back(sep);
+    if (sep != '\0') s.push_back(sep);
 }
 
-bool IsPrintable(unsigned char code) { return code >= 33 && code <= 126; }
+bool IsPrintable(unsigned char code) {
+    return code >= 33 && code <= 126;
+}
 
 // The two-digit form of the fixed-digit writers: tens are 0 when value / 10 has more than one digit.
 void PushTwoDigits(std::string& s, unsigned int value) {
@@ -58,7 +58,9 @@ void PushTwoDigits(std::string& s, unsigned int value) {
 }
 
 // A leading digit that falls back to 0 when `part` is not a single digit.
-void PushLeadingDigit(std::string& s, unsigned int part) { s.push_back(static_cast<char>('0' + (part < 10 ? part : 0))); }
+void PushLeadingDigit(std::string& s, unsigned int part) {
+    s.push_back(static_cast<char>('0' + (part < 10 ? part : 0)));
+}
 
 } // namespace
 
@@ -77,14 +79,26 @@ std::string& U_AppendUShort(std::string& s, unsigned short value, char sep) {
 std::string& U_AppendUInt(std::string& s, unsigned int value, char sep) {
     return AppendDecimal<std::uint32_t>(s, value, sep);
 }
-std::string& U_AppendUInt64(std::string& s, std::uint64_t value, char sep) { return AppendDecimal(s, value, sep); }
+std::string& U_AppendUInt64(std::string& s, std::uint64_t value, char sep) {
+    return AppendDecimal(s, value, sep);
+}
 
-std::string& U_AppendUCharHex(std::string& s, unsigned char value, char sep) { return AppendHex(s, value, sep); }
-std::string& U_AppendUShortHex(std::string& s, unsigned short value, char sep) { return AppendHex(s, value, sep); }
-std::string& U_AppendUIntHex(std::string& s, unsigned int value, char sep) { return AppendHex(s, value, sep); }
-std::string& U_AppendUInt64Hex(std::string& s, std::uint64_t value, char sep) { return AppendHex(s, value, sep); }
+std::string& U_AppendUCharHex(std::string& s, unsigned char value, char sep) {
+    return AppendHex(s, value, sep);
+}
+std::string& U_AppendUShortHex(std::string& s, unsigned short value, char sep) {
+    return AppendHex(s, value, sep);
+}
+std::string& U_AppendUIntHex(std::string& s, unsigned int value, char sep) {
+    return AppendHex(s, value, sep);
+}
+std::string& U_AppendUInt64Hex(std::string& s, std::uint64_t value, char sep) {
+    return AppendHex(s, value, sep);
+}
 
-std::string& U_AppendInt(std::string& s, int value, char sep) { return AppendSignedDecimal(s, value, sep); }
+std::string& U_AppendInt(std::string& s, int value, char sep) {
+    return AppendSignedDecimal(s, value, sep);
+}
 std::string& U_AppendInt64(std::string& s, std::int64_t value, char sep) {
     return AppendSignedDecimal(s, value, sep);
 }
@@ -101,8 +115,7 @@ std::string& U_AppendPrintableChar(std::string& s, char value, char sep) {
 }
 
 bool U_AppendPrintableCharIfValid(std::string& s, char value, char sep) {
-    if (!IsPrintable(static_cast<unsigned char>(value)))
-        return false;
+    if (!IsPrintable(static_cast<unsigned char>(value))) return false;
     s.push_back(value);
     PushSeparator(s, sep);
     return true;

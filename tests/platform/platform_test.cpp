@@ -34,12 +34,10 @@ TEST(PlatformThreadId, IsStablePerThreadAndDistinctBetweenLiveThreads) {
             EXPECT_EQ(ids[static_cast<std::size_t>(i)], vp::CurrentThreadId());
             // Keep every thread alive until all have read their id, so ids cannot be reused.
             arrived.fetch_add(1);
-            while (arrived.load() < kThreads)
-                vp::YieldThread();
+            while (arrived.load() < kThreads) vp::YieldThread();
         });
     }
-    for (auto& t : threads)
-        t.join();
+    for (auto& t : threads) t.join();
     std::set<std::uint32_t> distinct(ids.begin(), ids.end());
     distinct.insert(main);
     EXPECT_EQ(distinct.size(), static_cast<std::size_t>(kThreads + 1));

@@ -28,10 +28,12 @@ TEST(AppendFormatting, AppendsTextAndOptionalSeparator) {
         {"uint zero", [](std::string& s) { U_AppendUInt(s, 0, 0); }, "0"},
         {"uint max", [](std::string& s) { U_AppendUInt(s, 4294967295u, 0); }, "4294967295"},
         {"uint hex", [](std::string& s) { U_AppendUIntHex(s, 0xdeadbeef, 0); }, "deadbeef"},
-        {"uint64 max", [](std::string& s) { U_AppendUInt64(s, std::numeric_limits<std::uint64_t>::max(), ';'); },
+        {"uint64 max",
+         [](std::string& s) { U_AppendUInt64(s, std::numeric_limits<std::uint64_t>::max(), ';'); },
          "18446744073709551615;"},
         {"uint64 hex lowercase", [](std::string& s) { U_AppendUInt64Hex(s, 255, 0); }, "ff"},
-        {"uint64 hex no leading zeros", [](std::string& s) { U_AppendUInt64Hex(s, 0x0100000000ULL, 0); }, "100000000"},
+        {"uint64 hex no leading zeros", [](std::string& s) { U_AppendUInt64Hex(s, 0x0100000000ULL, 0); },
+         "100000000"},
         {"int negative", [](std::string& s) { U_AppendInt(s, -42, ','); }, "-42,"},
         {"int most negative", [](std::string& s) { U_AppendInt(s, std::numeric_limits<int>::min(), 0); },
          "-2147483648"},
@@ -51,7 +53,8 @@ TEST(AppendFormatting, AppendsTextAndOptionalSeparator) {
         {"three digits thousands dropped", [](std::string& s) { U_AppendThreeDigits(s, 1234, 0); }, "034"},
         {"four digits", [](std::string& s) { U_AppendFourDigits(s, 2026, '-'); }, "2026-"},
         {"four digits pads", [](std::string& s) { U_AppendFourDigits(s, 7, 0); }, "0007"},
-        {"four digits ten-thousands dropped", [](std::string& s) { U_AppendFourDigits(s, 12345, 0); }, "0345"},
+        {"four digits ten-thousands dropped", [](std::string& s) { U_AppendFourDigits(s, 12345, 0); },
+         "0345"},
     };
     for (const Case& c : cases) {
         std::string s = "x";
@@ -69,7 +72,8 @@ TEST(AppendFormatting, PrintableIfValidAppendsNothingForOtherCodes) {
 
         std::string shown;
         U_AppendPrintableChar(shown, static_cast<char>(code), 0);
-        EXPECT_EQ(shown, printable ? std::string(1, static_cast<char>(code)) : "#" + std::to_string(code)) << code;
+        EXPECT_EQ(shown, printable ? std::string(1, static_cast<char>(code)) : "#" + std::to_string(code))
+            << code;
     }
 }
 
@@ -86,8 +90,9 @@ TEST(AppendFormatting, DecimalAndHexMatchReferenceForRandomValues) {
         U_AppendUInt64Hex(s, v, 0);
         char hex[32];
         std::snprintf(hex, sizeof hex, "%" PRIx64, v);
-        const std::string expected = std::to_string(v) + " " + std::to_string(static_cast<unsigned int>(v)) + " " +
-                                     std::to_string(sv) + " " + std::to_string(static_cast<int>(sv)) + " " + hex;
+        const std::string expected = std::to_string(v) + " " + std::to_string(static_cast<unsigned int>(v)) +
+                                     " " + std::to_string(sv) + " " + std::to_string(static_cast<int>(sv)) +
+                                     " " + hex;
         ASSERT_EQ(s, expected);
     }
 }

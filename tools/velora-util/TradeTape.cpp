@@ -3,11 +3,13 @@
 
 #include <VeloraUtils.h>
 
+#include <algorithm>
 #include <istream>
 #include <map>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velora::tool {
 namespace {
@@ -33,8 +35,7 @@ struct SymbolTotals {
 
 // "187.25" or "187" up to '|' or the end: whole part, then at most four fraction digits.
 bool ReadPrice(const char** cursor, std::uint64_t& price) {
-    if (**cursor == '\0' || **cursor == '|')
-        return false;
+    if (**cursor == '\0' || **cursor == '|') return false;
     const std::uint64_t whole = U_ReadUInt64TokenWith2Delimiters(cursor, '.', '|', 0);
     std::uint64_t fraction = 0;
     unsigned char digits = kPriceDecimals;
@@ -45,8 +46,7 @@ bool ReadPrice(const char** cursor, std::uint64_t& price) {
         digits = 0;
         U_SkipToDelimiter(cursor, '|');
     }
-    for (unsigned char d = digits; d < kPriceDecimals; ++d)
-        fraction *= 10;
+    for (unsigned char d = digits; d < kPriceDecimals; ++d) fraction *= 10;
     price = whole * 10000 + fraction;
     return true;
 }
@@ -89,8 +89,7 @@ void AppendTime(std::string& line, unsigned int ms) {
 // Right-aligns the text of a buffer-family writer in a column of `width` characters.
 void AppendColumn(std::string& line, const char* text, std::size_t width) {
     const std::string_view view(text);
-    if (view.size() < width)
-        line.append(width - view.size(), ' ');
+    if (view.size() < width) line.append(width - view.size(), ' ');
     line.append(view);
 }
 
@@ -123,10 +122,8 @@ int PrintTradeTape(std::istream& in, std::ostream& out, std::ostream& err) {
     out << "time          symbol   side      quantity         price              notional\n";
     while (std::getline(in, line)) {
         ++lineNumber;
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
-        if (line.empty() || line[0] == '#')
-            continue;
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (line.empty() || line[0] == '#') continue;
         Trade trade;
         std::string problem;
         if (!ParseTrade(line, trade, problem)) {
@@ -157,7 +154,14 @@ int PrintTradeTape(std::istream& in, std::ostream& out, std::ostream& err) {
     out << "\nsymbol     trades        bought          sold          VWAP              notional\n";
     std::uint64_t allTrades = 0;
     std::uint64_t allNotional = 0;
-    for (const auto& [key, t] : totals) {
+    // Report in symbol order (the map is ordered by the packed key, which is not alphabetical).
+    std::vector<const SymbolTotals*> ordered;
+    for (const auto& entry : totals)
+        ordered.push_back(&entry.second);
+    std::sort(ordered.begin(), ordered.end(),
+              [](const SymbolTotals* a, const SymbolTotals* b) { return a->symbol < b->symbol; });
+    for (const SymbolTotals* row : ordered) {
+        const SymbolTotals& t = *row;
         const std::uint64_t volume = t.bought + t.sold;
         // Volume-weighted price rounded half up to four decimals.
         const std::uint64_t vwap = (t.notional + volume / 2) / volume;
@@ -177,8 +181,7 @@ int PrintTradeTape(std::istream& in, std::ostream& out, std::ostream& err) {
     text.append(42, ' ');
     AppendMoney(text, allNotional, 22);
     out << text << '\n';
-    if (malformed != 0)
-        out << malformed << " malformed record(s) skipped, see the messages above\n";
+    if (malformed != 0) out << malformed << " malformed record(s) skipped, see the messages above\n";
     return malformed;
 }
 

@@ -79,7 +79,7 @@ int RunFormat(int argc, char** argv) {
         U_AppendUInt64Hex(line, bits, 0);
         line.append("\n  zero-prepended  ");
         line.append(U_UInt64HexToStrPrepended(bits, buf, 17, '0', 0));
-        line.append("\n  as characters   ");
+        line.append("\n  bytes as chars   ");
         for (int b = 0; b < 8; ++b)
             U_AppendPrintableChar(line, static_cast<char>(bits >> (8 * b)), b < 7 ? ' ' : '\0');
         std::cout << line << '\n';
@@ -95,10 +95,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string command = argv[1];
-    if (command == "tape")
-        return RunTape(argc, argv);
-    if (command == "format")
-        return RunFormat(argc, argv);
+    if (command == "tape") return RunTape(argc, argv);
+    if (command == "format") return RunFormat(argc, argv);
     if (command == "help" || command == "--help" || command == "-h") {
         PrintUsage(std::cout);
         return 0;

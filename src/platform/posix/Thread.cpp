@@ -13,8 +13,12 @@ std::uint32_t CurrentThreadId() noexcept {
     return tid;
 }
 
-void YieldThread() noexcept { ::sched_yield(); }
+void YieldThread() noexcept {
+    ::sched_yield();
+}
 
-const char* BackendName() noexcept { return "posix"; }
+const char* BackendName() noexcept {
+    return "posix";
+}
 
 } // namespace velora::platform

@@ -8,10 +8,16 @@
 
 namespace velora::platform {
 
-std::uint32_t CurrentThreadId() noexcept { return static_cast<std::uint32_t>(::GetCurrentThreadId()); }
+std::uint32_t CurrentThreadId() noexcept {
+    return static_cast<std::uint32_t>(::GetCurrentThreadId());
+}
 
-void YieldThread() noexcept { ::Sleep(0); }
+void YieldThread() noexcept {
+    ::Sleep(0);
+}
 
-const char* BackendName() noexcept { return "win32"; }
+const char* BackendName() noexcept {
+    return "win32";
+}
 
 } // namespace velora::platform
