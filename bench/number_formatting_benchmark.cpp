@@ -30,7 +30,7 @@ template <class T> std::uint64_t ExpectedLengthSum(std::uint64_t iterations, boo
     const auto& values = RandomValues<T>();
     std::uint64_t sum = 0;
     for (std::uint64_t i = 0; i < iterations; ++i) {
-        char buf[32];
+        char buf[32] = {};
         const auto length =
             static_cast<std::uint64_t>(std::to_chars(buf, buf + 32, values[i & (kValues - 1)]).ptr - buf);
         const std::uint64_t digits = length - (buf[0] == '-' ? 1 : 0);
