@@ -20,7 +20,7 @@
 // Some U_ functions keep their C names while taking or returning C++ types (std::string&); they
 // are called from C++ only. These brackets silence clang's warning about that in user code too.
 #if defined(__clang__)
-#define VELORA_CXX_IN_C_API_BEGIN                                                                             \
+#define VELORA_CXX_IN_C_API_BEGIN                                                                            \
     _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wreturn-type-c-linkage\"")
 #define VELORA_CXX_IN_C_API_END _Pragma("clang diagnostic pop")
 #else

@@ -156,8 +156,7 @@ int PrintTradeTape(std::istream& in, std::ostream& out, std::ostream& err) {
     std::uint64_t allNotional = 0;
     // Report in symbol order (the map is ordered by the packed key, which is not alphabetical).
     std::vector<const SymbolTotals*> ordered;
-    for (const auto& entry : totals)
-        ordered.push_back(&entry.second);
+    for (const auto& entry : totals) ordered.push_back(&entry.second);
     std::sort(ordered.begin(), ordered.end(),
               [](const SymbolTotals* a, const SymbolTotals* b) { return a->symbol < b->symbol; });
     for (const SymbolTotals* row : ordered) {
