@@ -23,5 +23,7 @@ for preset in "${presets[@]}"; do
   cmake --build --preset "$preset" -j "$jobs"
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
+  # Which platform backend this product ran on (the platform test prints it).
+  grep -h 'platform backend:' "build/$preset/Testing/Temporary/LastTest.log" | sort -u | sed "s/^/=== ${preset}: /" || true
 done
 echo "=== all test presets passed: ${presets[*]}"
