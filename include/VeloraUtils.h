@@ -2,5 +2,9 @@
 #pragma once
 
 #include "VeloraUtils/Export.h"
+#include "VeloraUtils/Monetary.h"
 #include "VeloraUtils/NumberFormatting.h"
+#include "VeloraUtils/PriceConversion.h"
+#include "VeloraUtils/PriceText.h"
+#include "VeloraUtils/Prices.h"
 #include "VeloraUtils/TokenReading.h"

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <string>
 
+#include "PriceCommand.h"
 #include "TradeTape.h"
 
 namespace {
@@ -20,6 +21,8 @@ void PrintUsage(std::ostream& out) {
            "  tape [FILE|-]        format a trade tape (time|symbol|side|quantity|price per line)\n"
            "                       and summarise it per symbol; reads stdin when FILE is - or absent\n"
            "  format NUMBER...     show each integer through the number writers\n"
+           "  price [options] VALUE...  read prices or money amounts and format them\n"
+           "                       (velora-util price --help for the options)\n"
            "  help                 this text\n"
            "\n"
            "exit status: 0 success, 1 malformed input records, 2 usage or I/O error\n";
@@ -97,6 +100,7 @@ int main(int argc, char** argv) {
     const std::string command = argv[1];
     if (command == "tape") return RunTape(argc, argv);
     if (command == "format") return RunFormat(argc, argv);
+    if (command == "price") return velora::tool::RunPriceCommand(argc - 1, argv + 1);
     if (command == "help" || command == "--help" || command == "-h") {
         PrintUsage(std::cout);
         return 0;
