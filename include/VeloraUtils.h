@@ -2,9 +2,12 @@
 #pragma once
 
 #include "VeloraUtils/Export.h"
+#include "VeloraUtils/FixParsing.h"
+#include "VeloraUtils/FixTagCollection.h"
 #include "VeloraUtils/Monetary.h"
 #include "VeloraUtils/NumberFormatting.h"
 #include "VeloraUtils/PriceConversion.h"
 #include "VeloraUtils/PriceText.h"
 #include "VeloraUtils/Prices.h"
 #include "VeloraUtils/TokenReading.h"
+#include "VeloraUtils/WsaCollection.h"

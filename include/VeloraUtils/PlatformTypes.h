@@ -15,5 +15,25 @@
 #include <windows.h>
 #include <winsock2.h>
 #else
-// POSIX stand-ins; filled in as the families that need them arrive.
+#include <sys/uio.h>
+
+// One scatter-gather slot: `len` bytes starting at `buf`. Same layout of fields as the Windows
+// Sockets descriptor, so gather lists are written the same way on both systems.
+struct WSABUF {
+    std::uint32_t len;
+    char* buf;
+};
+
+namespace velora {
+
+// Fills out[0..count-1] from the WSABUF slots, for writev/sendmsg. `out` holds at least `count`
+// entries. The iovecs point at the slots' bytes; nothing is copied.
+inline void FillIovecs(const WSABUF* slots, unsigned count, struct iovec* out) noexcept {
+    for (unsigned i = 0; i < count; ++i) {
+        out[i].iov_base = slots[i].buf;
+        out[i].iov_len = slots[i].len;
+    }
+}
+
+} // namespace velora
 #endif

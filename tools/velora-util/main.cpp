@@ -9,6 +9,7 @@
 #include <iostream>
 #include <string>
 
+#include "FixCommand.h"
 #include "PriceCommand.h"
 #include "TradeTape.h"
 
@@ -18,6 +19,8 @@ void PrintUsage(std::ostream& out) {
     out << "usage: velora-util <command> [arguments]\n"
            "\n"
            "commands:\n"
+           "  fix scan [FILE|-]    inspect a FIX byte stream: every message checked, parsed and shown\n"
+           "  fix build TAG=VALUE...  build one FIX message (velora-util fix --help for the options)\n"
            "  tape [FILE|-]        format a trade tape (time|symbol|side|quantity|price per line)\n"
            "                       and summarise it per symbol; reads stdin when FILE is - or absent\n"
            "  format NUMBER...     show each integer through the number writers\n"
@@ -101,6 +104,7 @@ int main(int argc, char** argv) {
     if (command == "tape") return RunTape(argc, argv);
     if (command == "format") return RunFormat(argc, argv);
     if (command == "price") return velora::tool::RunPriceCommand(argc - 1, argv + 1);
+    if (command == "fix") return velora::tool::RunFixCommand(argc - 1, argv + 1);
     if (command == "help" || command == "--help" || command == "-h") {
         PrintUsage(std::cout);
         return 0;
