@@ -9,5 +9,6 @@
 #include "VeloraUtils/PriceConversion.h"
 #include "VeloraUtils/PriceText.h"
 #include "VeloraUtils/Prices.h"
+#include "VeloraUtils/Thermograph.h"
 #include "VeloraUtils/TokenReading.h"
 #include "VeloraUtils/WsaCollection.h"
