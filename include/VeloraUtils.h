@@ -4,6 +4,7 @@
 #include "VeloraUtils/Export.h"
 #include "VeloraUtils/FixParsing.h"
 #include "VeloraUtils/FixTagCollection.h"
+#include "VeloraUtils/LineBuffers.h"
 #include "VeloraUtils/Monetary.h"
 #include "VeloraUtils/NumberFormatting.h"
 #include "VeloraUtils/PriceConversion.h"

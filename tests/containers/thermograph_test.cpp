@@ -61,7 +61,8 @@ TEST(Thermograph, IteratorSkipsAndCopiesAreDeep) {
 
     Thermograph copy(t);
     copy.AddValue(50);
-    copy = copy; // self-assignment keeps the state
+    const Thermograph& same = copy;
+    copy = same; // assignment to itself keeps the state
     EXPECT_EQ(Contents(t), (std::vector<unsigned short>{40, 30, 20, 10}));
     EXPECT_EQ(Contents(copy), (std::vector<unsigned short>{50, 40, 30, 20, 10}));
     t = copy;
