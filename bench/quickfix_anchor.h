@@ -1,5 +1,5 @@
 // quickfix_anchor.h - the QuickFIX side of the FIX benchmarks, behind a plain interface: QuickFIX's
-// headers need C++14 (dynamic exception specifications), so they stay in their own translation unit.
+// headers need C++14 (they still use throw(...) lists on functions), so they stay in their own translation unit.
 #pragma once
 
 #include <cstddef>
