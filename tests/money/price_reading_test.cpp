@@ -31,81 +31,53 @@ Result Read(Kind kind, const std::string& text, unsigned* remaining, unsigned ch
     const auto copy = std::make_unique<char[]>(text.size() + 1);
     std::memcpy(copy.get(), text.c_str(), text.size() + 1);
     const char* cursor = copy.get();
-    const auto read = [&](auto unbounded, auto bounded, auto& w, auto& f) {
-        if (remaining)
-            bounded(w, f, cursor, *remaining, maxDecimals, delimiter);
-        else
-            unbounded(w, f, cursor, maxDecimals, delimiter);
+    const auto read = [&](auto unbounded, auto bounded, auto w, auto f) { // parts start at 9
+        remaining ? bounded(w, f, cursor, *remaining, maxDecimals, delimiter)
+                  : unbounded(w, f, cursor, maxDecimals, delimiter);
         return Result{w, f, cursor - copy.get()};
     };
-    unsigned uw = 9, uf = 9;
-    int sw = 9, sf = 9;
-    std::int64_t mw = 9;
-    short mf = 9;
     if (kind == Price)
-        return read(U_StrToPriceDollarsAndFraction, U_StrToPriceDollarsAndFractionUpToLength, uw, uf);
+        return read(U_StrToPriceDollarsAndFraction, U_StrToPriceDollarsAndFractionUpToLength, 9u, 9u);
     if (kind == Signed)
-        return read(U_StrToSignedPriceDollarsAndFraction, U_StrToSignedPriceDollarsAndFractionUpToLength, sw,
-                    sf);
-    return read(U_StrToMoneyDollarsAndFraction, U_StrToMoneyDollarsAndFractionUpToLength, mw, mf);
+        return read(U_StrToSignedPriceDollarsAndFraction, U_StrToSignedPriceDollarsAndFractionUpToLength, 9,
+                    9);
+    return read(U_StrToMoneyDollarsAndFraction, U_StrToMoneyDollarsAndFractionUpToLength, std::int64_t{9},
+                short{9});
 }
 
 constexpr unsigned kUnbounded = ~0u;
 
 TEST(PriceReader, Rows) {
-    struct Row {
-        const char* name;
-        Kind kind;
-        std::string text;
-        unsigned char maxDecimals;
-        char delimiter;
-        Result expected;
-        unsigned limit = kUnbounded;
-    };
+    // clang-format off
+    struct Row { const char* name; Kind kind; std::string text; unsigned char maxDecimals; char delimiter;
+                 Result expected; unsigned limit = kUnbounded; };
+    // clang-format on
     const std::string fraction256 = "5" + std::string(255, '0');
+    const auto wrapped = static_cast<unsigned>(123456789123ull),
+               wrapped256 = static_cast<unsigned>(500000000ull * 1000000000ull);
+    // clang-format off
     const Row rows[] = {
         {"FractionScaledToNineDigits", Price, "12.345|7", 9, '|', {12, 345000000, 7}},
         {"FractionBeyondMaxDecimalsSkipped", Price, "12.34567", 2, '|', {12, 340000000, 8}},
         {"EmptyTokenConsumesDelimiter", Price, "|5", 9, '|', {0, 0, 1}},
         {"EmptyTextStays", Price, "", 9, '|', {0, 0, 0}},
-        {"WholeOnlyToNul", Price, "12", 9, '|', {12, 0, 2}},
         {"WholeOnlyConsumesDelimiter", Price, "12|3", 9, '|', {12, 0, 3}},
         {"PointThenDelimiter", Price, "12.|3", 9, '|', {12, 0, 4}},
         {"PointThenNul", Price, "12.", 9, '|', {12, 0, 3}},
         {"NoWholeDigits", Price, ".5", 9, '|', {0, 500000000, 2}},
-        {"EightDigitsStillScaled", Price, "1.12345678", 9, '|', {1, 123456780, 10}},
-        {"NineDigitsStoredAsRead", Price, "1.000000001", 9, '|', {1, 1, 11}},
         {"TenthDigitTruncatedNotRounded", Price, "1.0000000019", 9, '|', {1, 1, 12}},
         {"ZeroMaxDecimalsReadsNoFraction", Price, "1.5|", 0, '|', {1, 0, 4}},
-        {"MaxDecimalsAboveNineUnscaledWrapped",
-         Price,
-         "1.123456789123",
-         12,
-         '|',
-         {1, static_cast<unsigned>(123456789123ull), 14}},
+        {"MaxDecimalsAboveNineUnscaledWrapped", Price, "1.123456789123", 12, '|', {1, wrapped, 14}},
         {"NonDigitsAddTheirCode", Price, "1a.5", 9, '|', {59, 500000000, 4}},
         {"UnsignedTakesMinusAsDigit", Price, "-1", 9, '|', {static_cast<unsigned>(-3 * 10 + 1), 0, 2}},
         {"DelimiterPointEndsWholePart", Price, "12.5", 9, '.', {12, 0, 3}},
         {"ZeroDelimiterRunsToNul", Price, "12.5", 9, '\0', {12, 500000000, 4}},
-        {"FractionCountWrapsAt256",
-         Price,
-         "1." + fraction256,
-         9,
-         '|',
-         {1, static_cast<unsigned>(500000000ull * 1000000000ull), 258}},
-        {"SignedNegatesBothParts", Signed, "-1.25|", 9, '|', {-1, -250000000, 6}},
+        {"FractionCountWrapsAt256", Price, "1." + fraction256, 9, '|', {1, wrapped256, 258}},
         {"SignedLoneMinusConsumed", Signed, "-", 9, '|', {0, 0, 1}},
         {"SignedMinusThenDelimiter", Signed, "-|1", 9, '|', {0, 0, 2}},
         {"SignedMostNegative", Signed, "-2147483648", 9, '|', {INT32_MIN, 0, 11}},
-        {"MoneyScaledToFourDigits", Money, "-12.5;", 9, ';', {-12, -5000, 6}},
-        {"MoneyThreeDigitsStillScaled", Money, "1.125", 4, '|', {1, 1250, 5}},
-        {"MoneyMaxDecimalsTruncates", Money, "12.34567", 4, '|', {12, 3456, 8}},
-        {"MoneyWideFractionWraps16Bits",
-         Money,
-         "1.234567",
-         6,
-         '|',
-         {1, static_cast<short>(234567 % 65536), 8}},
+        {"MoneyScaledToFourDigitsMaxDecimalsTruncates", Money, "-12.34567;", 4, ';', {-12, -3456, 10}},
+        {"MoneyFractionWraps16Bits", Money, "1.234567", 6, '|', {1, static_cast<short>(234567 % 65536), 8}},
         {"MoneyWhole64", Money, "9223372036854775807.9999", 4, '|', {INT64_MAX, 9999, 24}},
         // Bounded rows: the count ends reading before the text does.
         {"ZeroCountReadsNothing", Price, "12.5|", 9, '|', {0, 0, 0}, 0},
@@ -114,8 +86,8 @@ TEST(PriceReader, Rows) {
         {"CountEndsFraction", Price, "12.345|", 9, '|', {12, 340000000, 5}, 5},
         {"DelimiterLeftAtCount", Price, "12.5|", 9, '|', {12, 500000000, 4}, 4},
         {"CountEndsAfterMinus", Signed, "-5", 9, '|', {0, 0, 1}, 1},
-        {"MoneyCountEndsFraction", Money, "-7.125|", 4, '|', {-7, -1200, 5}, 5},
     };
+    // clang-format on
     for (const auto& r : rows) {
         unsigned remaining = r.limit == kUnbounded ? static_cast<unsigned>(r.text.size()) : r.limit;
         const unsigned given = remaining;

@@ -15,22 +15,18 @@ namespace {
 
 enum Kind { Price, Signed, Money, Compact, SignedCompact };
 
-struct AmountRow {
-    const char* name;
-    Kind kind;
-    std::int64_t whole, fraction; // compact rows: the code in `whole`
-    unsigned char decimals;
-    char round, sep;
-    bool commas, trim;
-    const char* expected;
-};
+// clang-format off
+// Compact rows carry the code in `whole`.
+struct AmountRow { const char* name; Kind kind; std::int64_t whole, fraction; unsigned char decimals;
+                   char round, sep; bool commas, trim; const char* expected; };
+// clang-format on
 
 std::string Write(const AmountRow& r) {
     std::string s = "x="; // writers append
     const auto i = static_cast<int>(r.whole), f = static_cast<int>(r.fraction);
     const auto u = static_cast<unsigned>(r.whole), uf = static_cast<unsigned>(r.fraction);
-    const auto args = [&](auto write, auto... value) {
-        write(s, value..., r.decimals, r.round, r.commas, r.sep, r.trim);
+    const auto args = [&](auto write, auto... v) {
+        write(s, v..., r.decimals, r.round, r.commas, r.sep, r.trim);
     };
     if (r.kind == Price) args(U_PriceDollarsAndFractionToStr, u, uf);
     if (r.kind == Signed) args(U_SignedPriceDollarsAndFractionToStr, i, f);
@@ -40,60 +36,44 @@ std::string Write(const AmountRow& r) {
     return s.substr(2);
 }
 
-constexpr unsigned Fine(unsigned whole, unsigned tenThousandths) {
-    return whole << 14 | tenThousandths;
-}
-constexpr unsigned Coarse(unsigned whole, unsigned hundredths) {
+constexpr auto Fine = [](unsigned whole, unsigned tenThousandths) { return whole << 14 | tenThousandths; };
+constexpr auto Coarse = [](unsigned whole, unsigned hundredths) {
     return (whole | 0x800000u) << 7 | hundredths;
-}
+};
 
+// Rounding, grouping, trimming and the sign of ordinary amounts are the round trip with the reader
+// tests; these rows are the edges.
+// clang-format off
 TEST(PriceWriter, AmountRows) {
+    const int fineNegative = -static_cast<int>(Fine(1, 5000));
     const AmountRow rows[] = {
-        {"CommasGroupWholePartOnly", Price, 1234567, 500000000, 2, 0, 0, true, false, "1,234,567.50"},
-        {"HalfUpCarriesIntoWholePart", Price, 0, 999999999, 2, 0, 0, false, false, "1.00"},
         {"NegativeRoundModeTruncates", Price, 0, 999999999, 2, -1, 0, false, false, "0.99"},
         {"CarryRegroupsCommas", Price, 999999, 995000000, 2, 0, '|', true, false, "1,000,000.00|"},
         {"CarryWrapsMaxWholePart", Price, UINT_MAX, 999999999, 0, 0, 0, false, false, "0"},
         {"MaxWholeWithCommas", Price, UINT_MAX, 0, 9, 0, 0, true, false, "4,294,967,295.000000000"},
-        {"DecimalsAboveNineMeanNineUncut", Price, 1, 123456789, 12, 0, 0, false, false, "1.123456789"},
         {"ZeroDecimalsSeparatorOnly", Price, 1, 500000000, 0, 0, ';', true, false, "2;"},
-        {"TrimKeepsTwoDigits", Price, 1, 500000000, 4, 0, 0, false, true, "1.50"},
-        {"NoTrimKeepsAllDigits", Price, 1, 500000000, 4, 0, 0, false, false, "1.5000"},
-        {"TrimDropsOnlyTrailingZeros", Price, 1, 234000000, 4, 0, 0, false, true, "1.234"},
-        {"TrimKeepsInnerZero", Price, 1, 500000, 4, 0, 0, false, true, "1.0005"},
         {"TrimZeroFractionNineDigits", Price, 0, 0, 9, 0, 0, false, true, "0.00"},
         {"FractionOverOneShowsLowDigits", Price, 1, 4000000000u, 9, 0, 0, false, false, "1.000000000"},
         {"FractionOverOneCarriesOnce", Price, 1, 3000000000u, 2, 0, 0, false, false, "2.00"},
-        {"SignedTrimmedQuarter", Signed, 0, -250000000, 4, 0, 0, false, true, "-0.25"},
-        {"SignedBothPartsNegative", Signed, -1, -250000000, 2, 0, 0, false, false, "-1.25"},
         {"SignFromEitherPart", Signed, 1, -5, 9, 0, 0, false, false, "-1.000000005"},
         {"SignDecidedBeforeRounding", Signed, 0, -1, 2, 0, 0, false, false, "-0.00"},
         {"MostNegativeWholePart", Signed, INT_MIN, 0, 2, 0, 0, true, false, "-2,147,483,648.00"},
-        {"MoneyZeroDecimalsSeparator", Money, 12, 3456, 0, -1, ';', false, false, "12;"},
-        {"MoneyHalfUp", Money, -12, -3456, 2, 0, 0, false, false, "-12.35"},
-        {"MoneyDecimalsAboveFourMeanFour", Money, 7, 50, 9, 0, 0, false, false, "7.0050"},
         {"MoneyMostNegative64", Money, INT64_MIN, 0, 1, 0, 0, true, false, "-9,223,372,036,854,775,808.0"},
-        {"CompactFine", Compact, Fine(12, 3456), 0, 4, 0, 0, false, false, "12.3456"},
         {"CompactFineRounded", Compact, Fine(12, 3456), 0, 2, 0, 0, false, false, "12.35"},
         {"CompactLargestFineWhole", Compact, Fine(65535, 1), 0, 9, 0, 0, true, true, "65,535.0001"},
         {"CompactCoarseHundredths", Compact, Coarse(70000, 34), 0, 4, 0, 0, true, false, "70,000.3400"},
         {"CompactFineFieldAboveDenomination", Compact, Fine(0, 16383), 0, 2, 0, 0, false, false, "1.64"},
-        {"CompactSignedNegative", SignedCompact, -static_cast<int>(Fine(1, 5000)), 0, 4, 0, 0, false, true,
-         "-1.50"},
+        {"CompactSignedNegative", SignedCompact, fineNegative, 0, 4, 0, 0, false, true, "-1.50"},
         {"CompactSignedMostNegative", SignedCompact, INT_MIN, 0, 1, 0, 0, false, false, "-131072.0"},
     };
     for (const auto& r : rows) EXPECT_EQ(Write(r), r.expected) << r.name;
 }
+// clang-format on
 
 TEST(PriceWriter, FractionRows) {
-    struct Row {
-        const char* name;
-        unsigned fraction;
-        unsigned char digits;
-        bool trim;
-        const char* str;    // U_DollarFractionToStdStr with sep '|'
-        const char* buffer; // U_DollarFractionToStr
-    };
+    // clang-format off
+    // `str` from U_DollarFractionToStdStr with sep '|', `buf` from U_DollarFractionToStr.
+    struct Row { const char* id; unsigned value; unsigned char digits; bool trim; const char *str, *buf; };
     const Row rows[] = {
         {"NoDigits", 5, 0, true, "|", ""},
         {"OneDigitNeverTrimmed", 0, 1, true, "0|", "0"},
@@ -103,24 +83,21 @@ TEST(PriceWriter, FractionRows) {
         {"FourDigitsUntrimmed", 500, 4, false, "0500|", "0500"},
         {"FiveDigitsKeepTwo", 50000, 5, true, "50|", "50"},
         {"SixDigitsBufferKeepsOne", 500000, 6, true, "50|", "5"},
-        {"NineDigitsBufferKeepsOne", 500000000, 9, true, "50|", "5"},
         {"NineDigitsZeroBufferKeepsOne", 0, 9, true, "00|", "0"},
-        {"NineDigitsInnerZeros", 120000300, 9, true, "1200003|", "1200003"},
-        {"NineDigitsUntrimmed", 500000000, 9, false, "500000000|", "500000000"},
         {"LowDigitsOfOversizeFraction", 1234, 2, false, "34|", "34"},
         {"DigitsAboveNine", 123456789, 10, false, "123456789|", ""},
     };
+    // clang-format on
     for (const auto& r : rows) {
         std::string s;
-        U_DollarFractionToStdStr(r.fraction, r.digits, s, '|', r.trim);
-        EXPECT_EQ(s, r.str) << r.name;
+        U_DollarFractionToStdStr(r.value, r.digits, s, '|', r.trim);
+        EXPECT_EQ(s, r.str) << r.id;
         char buf[16];
         std::memset(buf, '#', sizeof buf);
-        char* end = U_DollarFractionToStr(r.fraction, r.digits, buf, r.trim, '!');
-        EXPECT_EQ(std::string(buf, static_cast<std::size_t>(end - buf)), r.buffer) << r.name;
-        EXPECT_EQ(*end, '!') << r.name;
-        for (const char* p = end + 1; p != buf + sizeof buf; ++p)
-            ASSERT_EQ(*p, '#') << r.name; // nothing past
+        char* end = U_DollarFractionToStr(r.value, r.digits, buf, r.trim, '!');
+        EXPECT_EQ(std::string(buf, static_cast<std::size_t>(end - buf)), r.buf) << r.id;
+        EXPECT_EQ(*end, '!') << r.id;
+        for (const char* p = end + 1; p != buf + sizeof buf; ++p) ASSERT_EQ(*p, '#') << r.id; // nothing past
     }
     std::string money;
     U_MoneyFractionToStdStr(500, 9, money, 0, true); // digits above 4 mean 4

@@ -24,13 +24,13 @@ inline constexpr auto P10 = [](int n) {
 };
 inline constexpr auto Abs = [](I128 v) { return v < 0 ? -v : v; };
 inline constexpr auto Sign = [](I128 v) { return I128((v > 0) - (v < 0)); };
-// num / den (den > 0) rounded half away from zero.
-inline constexpr auto RoundHalfAway = [](I128 num, I128 den) {
-    return Sign(num) * ((2 * Abs(num) + den) / (2 * den));
-};
+// n / d (d > 0) rounded half away from zero.
+inline constexpr auto RoundHalfAway = [](I128 n, I128 d) { return Sign(n) * ((2 * Abs(n) + d) / (2 * d)); };
 
-template <class T> constexpr I128 One() {
-    return P10(T::kDigits);
+template <class T> inline constexpr auto One = [] { return P10(T::kDigits); };
+template <class T> inline constexpr auto IsSigned = [] { return std::is_signed_v<typename T::DollarType>; };
+template <class T> I128 Units(const T& v) {
+    return I128(v.GetDollars()) * One<T>() + I128(v.GetDollarFraction());
 }
 
 // a x b through Money, in ten-thousandths: a x b's whole part, plus a x (b's fraction cut toward zero
@@ -39,12 +39,6 @@ template <class A, class B> I128 MoneyProduct(I128 a, const B& b) {
     const I128 toMoney = One<A>() / P10(4), bToMoney = One<B>() / P10(4);
     const I128 fraction = RoundHalfAway(a * (I128(b.GetDollarFraction()) / bToMoney), toMoney);
     return RoundHalfAway(a * I128(b.GetDollars()), toMoney) + RoundHalfAway(fraction, P10(4));
-}
-template <class T> constexpr bool IsSigned() {
-    return std::is_signed_v<typename T::DollarType>;
-}
-template <class T> I128 Units(const T& v) {
-    return I128(v.GetDollars()) * One<T>() + I128(v.GetDollarFraction());
 }
 
 // Canonical: |fraction| below ONE, and a nonzero fraction has the whole part's sign (or a zero whole).
@@ -55,24 +49,20 @@ template <class T> bool IsCanonical(const T& v) {
 
 // True when `units` is representable with a whole part in T's range.
 template <class T> bool Fits(I128 units) {
-    using D = typename T::DollarType;
-    return units / One<T>() >= std::numeric_limits<D>::min() &&
-           units / One<T>() <= std::numeric_limits<D>::max();
+    using L = std::numeric_limits<typename T::DollarType>;
+    return units / One<T>() >= L::min() && units / One<T>() <= L::max();
 }
 
-// Random magnitudes spread over every size up to 2^bits, with a bias toward grid points and halves.
-inline I128 RandomMagnitude(std::mt19937_64& rng, int bits) {
-    const int size = static_cast<int>(rng() % static_cast<unsigned>(bits)) + 1;
-    const I128 v = (I128(rng()) << 64 | I128(rng())) & ((I128(1) << size) - 1);
-    const unsigned kind = rng() % 8;
-    return kind == 0 ? v - v % P10(static_cast<int>(rng() % 10)) : kind == 1 ? v - v % 10000 + 5000 : v;
-}
-
-// A random canonical value of T whose whole part uses at most `wholeBits` bits (sign excluded).
+// A random canonical value of T whose whole part uses at most `wholeBits` bits (sign excluded): its
+// magnitude is spread over every size, with a bias toward grid points and halves.
 template <class T> T Random(std::mt19937_64& rng, int wholeBits) {
     int bits = wholeBits;
     for (I128 one = One<T>(); one > 1; one >>= 1) ++bits;
-    I128 units = RandomMagnitude(rng, bits) % ((I128(1) << wholeBits) * One<T>());
+    const int size = static_cast<int>(rng() % static_cast<unsigned>(bits)) + 1;
+    const I128 v = (I128(rng()) << 64 | I128(rng())) & ((I128(1) << size) - 1);
+    const unsigned kind = rng() % 8;
+    I128 units = kind == 0 ? v - v % P10(static_cast<int>(rng() % 10)) : kind == 1 ? v - v % 10000 + 5000 : v;
+    units %= (I128(1) << wholeBits) * One<T>();
     if (IsSigned<T>() && rng() % 2 == 0) units = -units;
     return T(static_cast<typename T::DollarType>(units / One<T>()),
              static_cast<typename T::FractionType>(units % One<T>()));
@@ -91,21 +81,19 @@ inline std::string Text(I128 v) {
 using Got = std::tuple<long long, long long, long long>;
 struct Row {
     const char* name;
-    Got got;
-    Got expected;
+    Got got, expected;
 };
 inline void RunTable(const std::vector<Row>& rows) {
     for (const Row& row : rows) EXPECT_EQ(row.got, row.expected) << row.name;
+}
+template <class T> Got Parts(const T& v, long long extra = 0) {
+    return {static_cast<long long>(v.GetDollars()), static_cast<long long>(v.GetDollarFraction()), extra};
 }
 
 // Runs `fn.template operator()<T>()` for every type of a list.
 template <class... Ts> struct Types {};
 template <class... Ts, class Fn> void ForEachType(Types<Ts...>, Fn fn) {
     (fn.template operator()<Ts>(), ...);
-}
-
-template <class T> Got Parts(const T& v, long long extra = 0) {
-    return {static_cast<long long>(v.GetDollars()), static_cast<long long>(v.GetDollarFraction()), extra};
 }
 
 } // namespace model
