@@ -10,6 +10,7 @@
 #include "VeloraUtils/PriceConversion.h"
 #include "VeloraUtils/PriceText.h"
 #include "VeloraUtils/Prices.h"
+#include "VeloraUtils/TextSearch.h"
 #include "VeloraUtils/Thermograph.h"
 #include "VeloraUtils/TokenReading.h"
 #include "VeloraUtils/WsaCollection.h"
