@@ -1,6 +1,8 @@
 // VeloraUtils.h - the whole public API of the VeloraUtils library in one include.
 #pragma once
 
+#include "VeloraUtils/DateTime.h"
+#include "VeloraUtils/DelimitedText.h"
 #include "VeloraUtils/Export.h"
 #include "VeloraUtils/FixParsing.h"
 #include "VeloraUtils/FixTagCollection.h"
@@ -10,6 +12,7 @@
 #include "VeloraUtils/PriceConversion.h"
 #include "VeloraUtils/PriceText.h"
 #include "VeloraUtils/Prices.h"
+#include "VeloraUtils/SymbolValidity.h"
 #include "VeloraUtils/TextSearch.h"
 #include "VeloraUtils/Thermograph.h"
 #include "VeloraUtils/TokenReading.h"
