@@ -15,5 +15,6 @@
 #include "VeloraUtils/SymbolValidity.h"
 #include "VeloraUtils/TextSearch.h"
 #include "VeloraUtils/Thermograph.h"
+#include "VeloraUtils/TokenExpressions.h"
 #include "VeloraUtils/TokenReading.h"
 #include "VeloraUtils/WsaCollection.h"

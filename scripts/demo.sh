@@ -27,3 +27,9 @@ echo "== velora-util price --file samples/prices.txt --decimals 2 --commas"
 echo
 echo "== velora-util tape samples/trades.txt"
 "$tool" tape samples/trades.txt
+echo
+echo "== velora-util symbol --file samples/symbols.txt   (each symbol against the five symbol rules)"
+"$tool" symbol --file samples/symbols.txt
+echo
+echo "== velora-util filter --explain --or apple,msft,microsoft --not --word pineapple,ibmx samples/headlines.txt"
+"$tool" filter --explain --or apple,msft,microsoft --not --word pineapple,ibmx samples/headlines.txt

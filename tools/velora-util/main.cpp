@@ -9,8 +9,10 @@
 #include <iostream>
 #include <string>
 
+#include "FilterCommand.h"
 #include "FixCommand.h"
 #include "PriceCommand.h"
+#include "SymbolCommand.h"
 #include "TradeTape.h"
 
 namespace {
@@ -26,6 +28,11 @@ void PrintUsage(std::ostream& out) {
            "  format NUMBER...     show each integer through the number writers\n"
            "  price [options] VALUE...  read prices or money amounts and format them\n"
            "                       (velora-util price --help for the options)\n"
+           "  symbol [--kind KIND] SYMBOL...  check market symbols against the five symbol rules\n"
+           "                       (velora-util symbol --help for the options)\n"
+           "  filter GROUP... [FILE|-]  print the lines a token filter accepts, e.g.\n"
+           "                       --and ibm --or apple,msft --not --word ibmx\n"
+           "                       (velora-util filter --help for the options)\n"
            "  help                 this text\n"
            "\n"
            "exit status: 0 success, 1 malformed input records, 2 usage or I/O error\n";
@@ -105,6 +112,8 @@ int main(int argc, char** argv) {
     if (command == "format") return RunFormat(argc, argv);
     if (command == "price") return velora::tool::RunPriceCommand(argc - 1, argv + 1);
     if (command == "fix") return velora::tool::RunFixCommand(argc - 1, argv + 1);
+    if (command == "symbol") return velora::tool::RunSymbolCommand(argc - 1, argv + 1);
+    if (command == "filter") return velora::tool::RunFilterCommand(argc - 1, argv + 1);
     if (command == "help" || command == "--help" || command == "-h") {
         PrintUsage(std::cout);
         return 0;
