@@ -16,5 +16,6 @@
 #include "VeloraUtils/TextSearch.h"
 #include "VeloraUtils/Thermograph.h"
 #include "VeloraUtils/TokenExpressions.h"
+#include "VeloraUtils/TokenLists.h"
 #include "VeloraUtils/TokenReading.h"
 #include "VeloraUtils/WsaCollection.h"
