@@ -3,6 +3,7 @@
 // operations and destruction orders.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <random>
@@ -211,60 +212,41 @@ TEST(TokenExpressionGraph, LinksStayConsistentUnderRandomOperationsAndDestructio
                 children.empty()
                     ? nullptr
                     : std::next(children.begin(), static_cast<long>(rng() % children.size()))->first;
-            switch (rng() % 13) {
-            case 0:
-                AddLeaf(x, rng);
-                break;
-            case 1:
-                AddChild(x, y, RandomOp(rng));
-                break;
-            case 2:
-                if (child != nullptr && x.RemoveExpression(child, true) == child && child->isSimple())
-                    delete child;
-                break;
-            case 3:
-                if (child != nullptr) {
-                    EXPECT_TRUE(x.RemoveAndDestroyExpression(child, true));
-                }
-                break;
-            case 4:
-                x.ClearExpressions();
-                break;
-            case 5:
-                x.CopyContents(y);
-                break;
-            case 6:
-                x = y;
-                break;
-            case 7:
-                if (nodes.size() < 10) nodes.emplace_back(static_cast<Collection*>(y.Clone()));
-                break;
-            case 8:
-                x.UnlinkUsedBy();
-                break;
-            case 9: {
-                Collection::Registry registry;
-                for (const auto& c : nodes) registry.emplace(c->GetName(), c.get());
-                x.Link(registry);
-                break;
-            }
-            case 10: {
-                const std::string oldName = x.GetName(), newName = "R" + std::to_string(++renamed);
-                x.SetName(newName.c_str());
-                for (Collection* user : x.GetUsedBy())
-                    user->RenameExpression(oldName.c_str(), newName.c_str());
-                break;
-            }
-            case 11:
-                nodes.erase(nodes.begin() + static_cast<long>(rng() % nodes.size()));
-                break;
-            default: {
-                const std::string text = RandomText(rng);
-                ASSERT_EQ(x.isTrue(text), Reference(x, text));
-                std::unique_ptr<TokenExpressionBase> clone(x.Clone());
-                (void)clone->DeepEqual(y);
-            }
-            }
+            const std::function<void()> operations[] = {
+                [&] { AddLeaf(x, rng); },
+                [&] { AddChild(x, y, RandomOp(rng)); },
+                [&] {
+                    if (child != nullptr && x.RemoveExpression(child, true) == child && child->isSimple())
+                        delete child;
+                },
+                [&] { EXPECT_TRUE(child == nullptr || x.RemoveAndDestroyExpression(child, true)); },
+                [&] { x.ClearExpressions(); },
+                [&] { x.CopyContents(y); },
+                [&] { x = y; },
+                [&] {
+                    if (nodes.size() < 10) nodes.emplace_back(static_cast<Collection*>(y.Clone()));
+                },
+                [&] { x.UnlinkUsedBy(); },
+                [&] {
+                    Collection::Registry registry;
+                    for (const auto& c : nodes) registry.emplace(c->GetName(), c.get());
+                    x.Link(registry);
+                },
+                [&] {
+                    const std::string oldName = x.GetName(), newName = "R" + std::to_string(++renamed);
+                    x.SetName(newName.c_str());
+                    for (Collection* user : x.GetUsedBy())
+                        user->RenameExpression(oldName.c_str(), newName.c_str());
+                },
+                [&] { nodes.erase(nodes.begin() + static_cast<long>(rng() % nodes.size())); },
+                [&] {
+                    const std::string text = RandomText(rng);
+                    ASSERT_EQ(x.isTrue(text), Reference(x, text));
+                    std::unique_ptr<TokenExpressionBase> clone(x.Clone());
+                    (void)clone->DeepEqual(y);
+                },
+            };
+            ASSERT_NO_FATAL_FAILURE(operations[rng() % 13]());
             ASSERT_NO_FATAL_FAILURE(CheckLinks(nodes)) << "round " << round << " step " << step;
         }
         while (!nodes.empty()) {

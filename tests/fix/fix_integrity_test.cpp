@@ -15,25 +15,7 @@ namespace {
 
 using fixtest::Soh;
 
-struct ScanState {
-    unsigned int position = 0;
-    char protocol[8] = {};
-    unsigned int version = 0;
-    unsigned short beginStringValuePos = 0, versionPos = 0, bodyLengthTagPos = 0, bodyLength = 0,
-                   bodyLengthValuePos = 0, bodyStartPos = 0, msgType = 0, msgTypeValuePos = 0,
-                   msgTypeEndPos = 0, checkSum = 0, checkSumValuePos = 0, checkSumEndPos = 0;
-    unsigned char complete = 0;
-    char currentChar = 0, previousChar = 0;
-};
-
-// Every field, as a tuple gtest compares and prints.
-auto All(const ScanState& s) {
-    return std::tuple(s.position, std::string(s.protocol, strnlen(s.protocol, 8)), s.version,
-                      s.beginStringValuePos, s.versionPos, s.bodyLengthTagPos, s.bodyLength,
-                      s.bodyLengthValuePos, s.bodyStartPos, s.msgType, s.msgTypeValuePos, s.msgTypeEndPos,
-                      s.checkSum, s.checkSumValuePos, s.checkSumEndPos, int{s.complete}, int{s.currentChar},
-                      int{s.previousChar});
-}
+using fixtest::ScanState;
 
 // One call; returns the code and sets `taken` to the fresh bytes consumed.
 unsigned char Call(ScanState& s, std::string_view heldBytes, std::string_view freshBytes,
@@ -42,11 +24,7 @@ unsigned char Call(ScanState& s, std::string_view heldBytes, std::string_view fr
     unsigned int heldLength = static_cast<unsigned int>(held.size);
     const char* data = fresh.get();
     unsigned int length = static_cast<unsigned int>(fresh.size);
-    const unsigned char code = U_CheckFixIntegrity(
-        held.get(), &heldLength, &data, &length, &s.position, s.protocol, &s.version, &s.beginStringValuePos,
-        &s.versionPos, &s.bodyLengthTagPos, &s.bodyLength, &s.bodyLengthValuePos, &s.bodyStartPos, &s.msgType,
-        &s.msgTypeValuePos, &s.msgTypeEndPos, &s.checkSum, &s.checkSumValuePos, &s.checkSumEndPos,
-        &s.complete, &s.currentChar, &s.previousChar);
+    const unsigned char code = s.Scan(held.get(), heldLength, &data, length);
     EXPECT_EQ(heldLength, held.size);
     EXPECT_EQ(static_cast<std::size_t>(data - fresh.get()) + length, fresh.size); // pointer and count agree
     taken = fresh.size - length;
@@ -144,7 +122,7 @@ std::vector<Row> EdgeRows() {
 TEST(FixIntegrity, HeaderAndTrailerRules) {
     for (const auto& [bytes, expected] : EdgeRows()) {
         const auto [code, s, consumed] = Scan(bytes);
-        EXPECT_EQ(std::tuple(int{code}, int{s.complete}, std::size_t{s.position}, std::get<1>(All(s)),
+        EXPECT_EQ(std::tuple(int{code}, int{s.complete}, std::size_t{s.position}, std::get<1>(s.All()),
                              s.version, unsigned{s.bodyLength}, unsigned{s.msgType}, unsigned{s.checkSum}),
                   expected)
             << Soh(bytes, true);
@@ -167,10 +145,10 @@ TEST(FixIntegrity, SavedPositionsLastCharactersAndEmptyFreshData) {
     // No fresh bytes: nothing is scanned before the trailer; after the header, the trailer check runs.
     std::size_t taken = 0;
     EXPECT_EQ(Call(s = {}, kMessage, "", taken), FixIntegrityOk);
-    EXPECT_EQ(All(s), All(ScanState{.position = static_cast<unsigned int>(kMessage.size())}));
+    EXPECT_EQ(s.All(), ScanState{.position = static_cast<unsigned int>(kMessage.size())}.All());
     EXPECT_EQ(Call(s = {}, "", kHeader.substr(0, 30), taken), FixIntegrityOk);
     EXPECT_EQ(Call(s, kMessage, "", taken), FixIntegrityOk);
-    EXPECT_EQ(std::pair(int{s.complete}, std::size_t{s.position}), std::pair(1, kMessage.size() - 1));
+    EXPECT_EQ(std::tuple(int{s.complete}, std::size_t{s.position}), std::tuple(1, kMessage.size() - 1));
 }
 
 TEST(FixIntegrity, RESUMPTION_AnyCutGivesTheWholeInputsResult) {
@@ -190,8 +168,8 @@ TEST(FixIntegrity, RESUMPTION_AnyCutGivesTheWholeInputsResult) {
             // Cut at every boundary (0: one byte per call); consumed counts only on success.
             for (std::size_t cut = 0; cut < n; ++cut) {
                 const Outcome pieces = cut == 0 ? Scan(input, 1, 1) : Scan(input, cut, n);
-                EXPECT_EQ(std::tuple(pieces.code, All(pieces.state), whole.code ? 0 : pieces.consumed),
-                          std::tuple(whole.code, All(whole.state), whole.code ? 0 : whole.consumed))
+                EXPECT_EQ(std::tuple(pieces.code, pieces.state.All(), whole.code ? 0 : pieces.consumed),
+                          std::tuple(whole.code, whole.state.All(), whole.code ? 0 : whole.consumed))
                     << "length " << n << " cut " << cut;
                 if (::testing::Test::HasFailure()) return;
             }

@@ -20,8 +20,6 @@ unsigned int Sum(std::string_view bytes) {
 }
 
 TEST(FixControlSum, SignedBytesUnreducedAndEqualToAPlainLoopAtEveryLengthAndAlignment) {
-    EXPECT_EQ(std::tuple(Sum(""), Sum("\xff"), Sum(std::string(300, '\x7f'))),
-              std::tuple(0u, ~0u, 300u * 127u));
     std::mt19937 random(11);
     std::string bytes(1100, '\0');
     for (char& c : bytes) c = static_cast<char>(random());
@@ -41,8 +39,8 @@ TEST(FixText, AppendSohAndMessageContents) {
              {"\x01x", true, "\x01x\x01"}}) {
         // clang-format on
         std::string s = text;
-        EXPECT_EQ(U_AppendSohIfNecessary(s), appended) << text;
-        EXPECT_EQ(s, after);
+        const bool result = U_AppendSohIfNecessary(s);
+        EXPECT_EQ(std::tuple(result, s), std::tuple(appended, after)) << text;
     }
     // message ('|' is SOH; nullptr passes a null message), length, prefix, replacement, what is appended
     // clang-format off

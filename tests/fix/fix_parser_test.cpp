@@ -39,7 +39,7 @@ TEST(FixParse, CodesTagsOrdinalsAndFields) {
         Parsed expected;
         std::size_t length = std::string::npos; // bytes passed, when fewer than the message
     };
-    const Fields a = {{35, "A"}};
+    const Fields a = {{35, "A"}}; // odd value bytes at every position: the word-scan test below
     // clang-format off
     const std::vector<Row> rows = {
         {"", {0, kUntouched, 1, {}}},
@@ -50,16 +50,13 @@ TEST(FixParse, CodesTagsOrdinalsAndFields) {
         {"70000=1|", {1, 0, 1, {}}},
         {"65536=1|", {1, 0, 1, {}}},
         {"65535=1|", {0, kUntouched, 2, {{65535, "1"}}}},
-        {"58=x\x80", {4, 58, 1, {}}},
+        {"58=x\x80", {4, 58, 1, {}}},                              // checked without a closing SOH
         {"58=|", {3, 58, 1, {}}},
         {"58|", {3, 58, 1, {}}},
         {"35=A||", {3, 0, 2, a}},                                  // empty field
         {"00035=A|", {0, kUntouched, 2, a}},                       // leading zeros of a tag accepted
-        {"35==A|", {0, kUntouched, 2, a}},                         // an "=" inside a value is dropped
-        {"58==|", {3, 58, 1, {}}},
         {"35=A|58=xyz", {0, kUntouched, 2, a}},                    // bytes after the last SOH not stored
         {"35=A|5x", {2, 0, 2, a}},                                 // but still checked
-        {"35=A|58=ab\x1f|", {4, 58, 2, a}},
         {"35=A|58=B|", {0, kUntouched, 2, a}, 9},                      // the byte after `length` is not read
         {"35=A|58=B|", {0, kUntouched, 3, {{35, "A"}, {58, "B"}}}, 10},
         {"8=FIX.4.2|9=12|35=0|49=A|49=B|", {5, 49, 5, {{8, "FIX.4.2"}, {9, "12"}, {35, "0"}, {49, "A"}}}},

@@ -15,27 +15,16 @@
 
 #include "VeloraUtils/FixParsing.h"
 #include "VeloraUtils/FixTagCollection.h"
+#include "fix_test_messages.h"
 
-namespace fixcheck {
+namespace {
 
-struct Field {
-    std::string tag;
-    std::string value;
-    bool operator==(const Field&) const = default;
-};
-
-std::string TextOf(const WsaCollection& c, unsigned short i) {
-    const WSABUF* const slot = c.GetWsaBufAt(i);
-    return slot != nullptr && slot->buf != nullptr ? std::string(slot->buf, slot->len) : std::string();
-}
-const char* BufOf(const WsaCollection& c, unsigned short i) {
-    return c.GetWsaBufAt(i) != nullptr ? c.GetWsaBufAt(i)->buf : nullptr;
-}
-std::string Gather(const WsaCollection& c) { // the bytes of all slots in use, in order
-    std::string out;
-    for (unsigned short i = 0; i < c.GetCount(); ++i) out += TextOf(c, i);
-    return out;
-}
+using fixtest::Gather;
+using fixtest::TextOf;
+using Field = std::pair<std::string, std::string>; // tag, value
+#define CALL(...) [](FixTagCollection& t) { return t.__VA_ARGS__; }
+const char kSoh = '\x01';
+const std::string kEmptyTypePiece = std::string(1, kSoh) + "35=" + '\0' + kSoh;
 
 // Splits at each SOH and the first "=" of each piece; false when a piece has no "=" or no SOH.
 bool SplitFields(const std::string& text, std::vector<Field>& out) {
@@ -43,81 +32,31 @@ bool SplitFields(const std::string& text, std::vector<Field>& out) {
     for (std::size_t start = 0; start < text.size();) {
         const std::size_t soh = text.find('\x01', start), eq = text.find('=', start);
         if (soh == std::string::npos || eq == std::string::npos || eq > soh) return false;
-        out.push_back(Field{text.substr(start, eq - start), text.substr(eq + 1, soh - eq - 1)});
+        out.emplace_back(text.substr(start, eq - start), text.substr(eq + 1, soh - eq - 1));
         start = soh + 1;
     }
     return true;
-}
-
-// What a receiver measures: BodyLength and CheckSum as written, the bytes counted from after the
-// SOH ending BodyLength up to "10=", and the byte sum mod 256 before "10=".
-struct Measured {
-    bool wellFormed = false;
-    unsigned int declaredBodyLength = 0;
-    unsigned int countedBodyLength = 0;
-    unsigned int declaredCheckSum = 0;
-    unsigned int computedCheckSum = 0;
-};
-
-Measured Measure(const std::string& s) {
-    Measured m;
-    const std::size_t first = s.find('\x01'), trailer = s.size() - 7;
-    if (s.compare(0, 2, "8=") != 0 || first == std::string::npos || s.compare(first + 1, 2, "9=") != 0)
-        return m;
-    const std::size_t second = s.find('\x01', first + 3);
-    if (second == std::string::npos || second == first + 3 || s.size() < second + 8 ||
-        s.compare(trailer, 3, "10=") != 0 || s.back() != '\x01')
-        return m;
-    for (std::size_t i = first + 3; i < trailer + 6; i = i + 1 == second ? trailer + 3 : i + 1) {
-        if (s[i] < '0' || s[i] > '9') return m;
-        unsigned int& number = i < second ? m.declaredBodyLength : m.declaredCheckSum;
-        number = number * 10 + static_cast<unsigned int>(s[i] - '0');
-    }
-    m.countedBodyLength = static_cast<unsigned int>(trailer - (second + 1));
-    for (std::size_t i = 0; i < trailer; ++i) m.computedCheckSum += static_cast<unsigned char>(s[i]);
-    m.computedCheckSum %= 256;
-    m.wellFormed = true;
-    return m;
-}
-
-} // namespace fixcheck
-
-namespace {
-
-using fixcheck::BufOf;
-using fixcheck::Field;
-using fixcheck::Gather;
-using fixcheck::TextOf;
-#define CALL(...) [](FixTagCollection& t) { return t.__VA_ARGS__; }
-const char kSoh = '\x01';
-const std::string kEmptyTypePiece = std::string(1, kSoh) + "35=" + '\0' + kSoh;
-
-unsigned int ByteSumMod256(const std::string& bytes) {
-    unsigned int sum = 0;
-    for (char c : bytes) sum += static_cast<unsigned char>(c);
-    return sum % 256;
 }
 
 // The running sum and total agree with the bytes in the slots (the trailer excluded).
 ::testing::AssertionResult Consistent(const FixTagCollection& b) {
     std::string bytes = Gather(b);
     if (b.isFinalized()) bytes.resize(bytes.size() - 7);
-    if (b.GetControlSum() % 256 != ByteSumMod256(bytes) || b.GetTotalLength() != bytes.size() + 7)
-        return ::testing::AssertionFailure()
-               << "sum " << b.GetControlSum() % 256 << " vs " << ByteSumMod256(bytes) << ", total "
-               << b.GetTotalLength() << " vs " << bytes.size() + 7;
-    return ::testing::AssertionSuccess();
+    unsigned int sum = 0;
+    for (char c : bytes) sum += static_cast<unsigned char>(c);
+    return ::testing::AssertionResult(b.GetControlSum() % 256 == sum % 256 &&
+                                      b.GetTotalLength() == bytes.size() + 7)
+           << "sum " << b.GetControlSum() % 256 << " vs " << sum % 256 << ", total " << b.GetTotalLength()
+           << " vs " << bytes.size() + 7;
 }
 
 // BodyLength and CheckSum as a receiver counts them; `extra` is a kept quirk's BodyLength excess.
 ::testing::AssertionResult Verified(const FixTagCollection& b, unsigned int extra = 0) {
-    const fixcheck::Measured m = fixcheck::Measure(Gather(b));
-    if (!m.wellFormed || m.declaredBodyLength != m.countedBodyLength + extra ||
-        m.declaredCheckSum != m.computedCheckSum)
-        return ::testing::AssertionFailure()
-               << "9=" << m.declaredBodyLength << " counted " << m.countedBodyLength
-               << ", 10=" << m.declaredCheckSum << " computed " << m.computedCheckSum;
-    return ::testing::AssertionSuccess();
+    const fixtest::Measured m = fixtest::Measure(Gather(b));
+    return ::testing::AssertionResult(m.wellFormed && m.declaredBodyLength == m.countedBodyLength + extra &&
+                                      m.declaredCheckSum == m.computedCheckSum)
+           << "9=" << m.declaredBodyLength << " counted " << m.countedBodyLength
+           << ", 10=" << m.declaredCheckSum << " computed " << m.computedCheckSum;
 }
 
 TEST(FixTagCollection, ConstructionBuildsHeaderPiecesOnce) {
@@ -132,17 +71,13 @@ TEST(FixTagCollection, ConstructionBuildsHeaderPiecesOnce) {
     };
     // clang-format on
     for (const auto& [protocol, version, beginString] : cases) {
-        SCOPED_TRACE(beginString);
         const FixTagCollection b(5, version, protocol);
-        EXPECT_EQ(b.GetCount(), 3);
-        EXPECT_EQ(b.GetCapacity(), 12);
-        EXPECT_EQ(Gather(b), "8=" + beginString + "\x01" + "9=" + kEmptyTypePiece);
-        EXPECT_EQ(TextOf(b, 2), kEmptyTypePiece);
-        EXPECT_EQ(b.GetFixProtocol(), beginString.substr(0, beginString.find('.')));
-        EXPECT_EQ(b.GetFixVersion(), version);
-        EXPECT_TRUE(Consistent(b));
-        EXPECT_FALSE(b.isFinalized());
-        EXPECT_EQ(b.GetMessageLength(), 0u);
+        EXPECT_EQ(std::tuple(b.GetCount(), b.GetCapacity(), Gather(b), TextOf(b, 2),
+                             std::string(b.GetFixProtocol()), b.GetFixVersion(), b.isFinalized(),
+                             b.GetMessageLength()),
+                  std::tuple(3, 12, "8=" + beginString + "\x01" + "9=" + kEmptyTypePiece, kEmptyTypePiece,
+                             beginString.substr(0, beginString.find('.')), version, false, 0u));
+        EXPECT_TRUE(Consistent(b)) << beginString;
     }
     const FixTagCollection fix(0, 0x0402, "FIX");
     EXPECT_EQ(fix.GetFixProtocolNum(), 0x584946u); // 'F' in the lowest byte
@@ -156,22 +91,19 @@ std::string U(std::string text) { // '_' marks a place still holding its 0 byte
 }
 
 TEST(FixTagCollection, AppendsAndUpdatesWriteTheirSlotsAndKeepTheSum) {
-    struct Case {
-        const char* name;
-        std::function<unsigned short(FixTagCollection&)> act;
-        unsigned short result;          // what the call returns (true is 1)
-        std::vector<std::string> slots; // from slot 3 on: "aa" (copied) and "34=" at first
-    };
+    // name, the calls, what the last returns (true is 1), the slots from 3 on ("aa" (copied) and "34=" at
+    // first)
+    using Case = std::tuple<const char*, std::function<unsigned short(FixTagCollection&)>, unsigned short,
+                            std::vector<std::string>>;
     const std::string A("aa"), B("34="), S("\x01");
+    // Values and calls the random messages below do not produce; the ordinary appends are checked there.
     // clang-format off
     const std::vector<Case> cases = {
         {"ValueEndingInSohGetsNone", CALL(Append("x\x01", 0, true, 0)), 6, {A, B, "x\x01"}},
-        {"NoSohWhenNotAsked", CALL(Append("x", 0, false, 0)), 6, {A, B, "x"}},
         {"EmptyValueGetsSoh", CALL(Append("", 0, true, 0)), 6, {A, B, "", S}},
         {"LengthBoundsTheValue", CALL(Append("xyz", 1, true, 2)), 6, {A, B, "x\x01"}},
         {"SohInsideLengthCounts", CALL(Append("a\x01z", 2, true, 0)), 6, {A, B, "a\x01"}},
         {"HighBytesSumAsNegative", CALL(Append("\xe9\xff", 0, true, 2)), 6, {A, B, "\xe9\xff\x01"}},
-        {"TagLengthZeroIsText", CALL(AppendTag("11=", "ORD1", 0, 4, 2, true)), 7, {A, B, "11=", "ORD1\x01"}},
         {"UIntZero", CALL(AppendUIntTag("38=", 0, 3)), 7, {A, B, "38=", "0\x01"}},
         {"UIntMax", CALL(AppendUIntTag("38=", 4294967295u, 3)), 7, {A, B, "38=", "4294967295\x01"}},
         {"UInt64Max", CALL(AppendUInt64Tag("38=", ~0ull, 0)), 7, {A, B, "38=", "18446744073709551615\x01"}},
@@ -182,28 +114,20 @@ TEST(FixTagCollection, AppendsAndUpdatesWriteTheirSlotsAndKeepTheSum) {
         {"PackedShort", CALL(AppendUShortTagAsString("54=", 0x4231, 3)), 7, {A, B, "54=", "1B\x01"}},
         {"SetMiddleIgnoresTrailing", CALL(SetTagAt(3, "z", 0, &kSoh, 0)), 1, {"z", B}},
         {"SetLastGetsTrailingSlot", CALL(SetTagAt(4, "\xf0z", 0, &kSoh, 0)), 1, {A, "\xf0z", S}},
-        {"SetLastCopyTakesTrailing", CALL(SetTagAt(4, "z", 0, &kSoh, 2)), 1, {A, "z\x01"}},
-        {"SetEmptyCopyKeepsTrailingSlot", CALL(SetTagAt(4, "", 0, &kSoh, 2)), 1, {A, "", S}},
         {"SetAtCountAppends", CALL(SetTagAt(5, "new", 0, &kSoh, 0)), 1, {A, B, "new", S}},
         {"SetHeaderPieceByCopy", CALL(SetTagAt(0, "8=FIXT.1.1", 0, nullptr, 2)), 1, {A, B}},
         {"SetBeyondCountRefused", CALL(SetTagAt(6, "x", 0, nullptr, 0)), 0, {A, B}},
         {"SeqNumNeverAppended", CALL(UpdateMsgSeqNumValue(5)), 0, {A, B}},
         {"SeqNumSohOnly", CALL(AppendMsgSeqNumValue(0)), 5, {A, B, S}},
-        {"SeqNumTenDigits", CALL(AppendMsgSeqNumValue(4294967295u)), 5, {A, B, "4294967295\x01"}},
-        {"SeqNumShortens", CALL(AppendMsgSeqNumValue(~0u), t.UpdateMsgSeqNumValue(7)), 1, {A, B, "7\x01"}},
         {"SeqNumZeroByUpdate", CALL(AppendMsgSeqNumValue(9), t.UpdateMsgSeqNumValue(0)), 1, {A, B, "0\x01"}},
         {"SeqNumAgain", CALL(AppendMsgSeqNumValue(0), t.AppendMsgSeqNumValue(42)), 5, {A, B, "42\x01"}},
         {"TargetNeverAppended", CALL(UpdateTagTargetCompId("X", 0, 0)), 0, {A, B}},
         {"SenderNeverAppended", CALL(UpdateTagSenderCompId("X", 0, 0)), 0, {A, B}},
         {"TestReqNeverAppended", CALL(UpdateTagTestReqId("X", 0, 0)), 0, {A, B}},
-        {"Target", CALL(AppendTagTargetCompId("FIRM", 0, 0)), 6, {A, B, "56=", "FIRM", S}},
-        {"SenderUpdated", CALL(AppendTagSenderCompId("F", 0, 0), t.UpdateTagSenderCompId("GH", 0, 2)), 1,
-         {A, B, "49=", "GH", S}},
         {"TestReqAgainSameSlot", CALL(AppendTagTestReqId("F", 0, 0), t.AppendTagTestReqId("AB", 1, 0)), 6,
          {A, B, "112=", "A", S}},
         {"TimeNeverAppended", CALL(UpdateTagUtcTime(0) || t.UpdateTagUtcDate(1, 1, 2020) ||
                                    t.UpdateTagUtcDate("2020")), 0, {A, B}},
-        {"LastMsOf2019", CALL(AppendTagUtc(12, 31, 2019, 86399999)), 5, {A, B, U("20191231-23:59:59.999")}},
         {"NoTimeKeepsZeroPlaces", CALL(AppendTagUtc(3, 4, 2021, ~0u)), 5, {A, B, U("20210304-__:__:__.___")}},
         {"YearZeroKeepsDate", CALL(AppendTagUtc(3, 4, 0, 3723004)), 5, {A, B, U("________-01:02:03.004")}},
         {"TextDate", CALL(AppendTagUtc("20200229", 45296789)), 5, {A, B, U("20200229-12:34:56.789")}},
@@ -216,23 +140,22 @@ TEST(FixTagCollection, AppendsAndUpdatesWriteTheirSlotsAndKeepTheSum) {
          {A, B, U("20230708-00:00:00.001")}},
     };
     // clang-format on
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, act, result, expected] : cases) {
         FixTagCollection b(1, 0x0402, "FIX");
         b.Append("aa", 0, false, 2);
         b.Append("34=", 0, false, 0);
-        EXPECT_EQ(c.act(b), c.result);
+        EXPECT_EQ(act(b), result) << name;
         std::vector<std::string> slots;
         for (unsigned short i = 3; i < b.GetCount(); ++i) slots.push_back(TextOf(b, i));
-        EXPECT_EQ(slots, c.slots);
-        EXPECT_TRUE(Consistent(b));
+        EXPECT_EQ(slots, expected) << name;
+        EXPECT_TRUE(Consistent(b)) << name;
     }
     FixTagCollection b(1, 0x0402, "FIX");
     EXPECT_EQ(b.GetTagMsgSeqNumValue(), nullptr);
     b.Append("34=", 0, false, 0);
     b.AppendMsgSeqNumValue(1234);
     EXPECT_EQ(b.GetMsgSeqNum(), 1234u);
-    EXPECT_EQ(b.GetTagMsgSeqNumValue(), BufOf(b, 4));
+    EXPECT_EQ(b.GetTagMsgSeqNumValue(), b.GetWsaBufAt(4)->buf);
 }
 
 TEST(FixTagCollection, FinalizeWritesInPlaceWithinItsLimits) {
@@ -240,13 +163,12 @@ TEST(FixTagCollection, FinalizeWritesInPlaceWithinItsLimits) {
     ASSERT_NE(b.Append("58=x\x01", 0, true, 0), 0);
     ASSERT_TRUE(b.Finalize("0"));
     EXPECT_TRUE(Verified(b));
-    EXPECT_EQ(b.GetMessageLength(), 10u);
     std::string log, dropped;
     b.toString(log, "|");
-    const std::string sum = log.substr(log.size() - 4, 3);
-    EXPECT_EQ(log, "8=FIX.4.2|9=10|35=0|58=x|10=" + sum + "|");
     b.toString(dropped, nullptr);
-    EXPECT_EQ(dropped, "8=FIX.4.29=1035=058=x10=" + sum);
+    const std::string sum = log.substr(log.size() - 4, 3);
+    EXPECT_EQ(std::tuple(b.GetMessageLength(), log, dropped),
+              std::tuple(10u, "8=FIX.4.2|9=10|35=0|58=x|10=" + sum + "|", "8=FIX.4.29=1035=058=x10=" + sum));
 
     FixTagCollection full(0, 0x0402, "FIX"); // 7 slots, full: the trailer slot grows the array
     full.Append("34=", 0, false, 0);
@@ -254,20 +176,17 @@ TEST(FixTagCollection, FinalizeWritesInPlaceWithinItsLimits) {
     full.Append("1=a", 0, true, 0);
     ASSERT_EQ(full.GetCount(), 7);
     ASSERT_TRUE(full.Finalize("0"));
-    EXPECT_EQ(full.GetCapacity(), 14);
-    EXPECT_EQ(full.GetCount(), 8);
+    EXPECT_EQ(std::tuple(full.GetCapacity(), full.GetCount()), std::tuple(14, 8));
     EXPECT_TRUE(Verified(full));
     full.UpdateMsgSeqNumValue(123456); // twice: digits and checksum rewritten, one trailer slot
     ASSERT_TRUE(full.Finalize("0"));
-    EXPECT_EQ(full.GetCount(), 8);
-    EXPECT_EQ(full.GetMessageLength(), 19u);
+    EXPECT_EQ(std::tuple(full.GetCount(), full.GetMessageLength()), std::tuple(8, 19u));
     EXPECT_TRUE(Verified(full));
     EXPECT_TRUE(Consistent(full));
 
     FixTagCollection cleared(1, 0x0402, "FIX"); // fewer than three slots: only by clearing the base list
     cleared.WsaCollection::Reset();
-    EXPECT_FALSE(cleared.Finalize("0"));
-    EXPECT_EQ(cleared.GetCount(), 0);
+    EXPECT_FALSE(cleared.Finalize("0") || cleared.GetCount() != 0);
 
     // clang-format off
     const std::vector<std::tuple<const char*, std::function<bool(FixTagCollection&)>, std::string>> types = {
@@ -284,9 +203,7 @@ TEST(FixTagCollection, FinalizeWritesInPlaceWithinItsLimits) {
         FixTagCollection t(1, 0x0402, "FIX");
         t.Append("58=x", 0, true, 0);
         EXPECT_EQ(finalize(t), !typeField.empty());
-        if (typeField.empty()) continue;
-        EXPECT_TRUE(Verified(t));
-        EXPECT_EQ(TextOf(t, 2), "\x01" + typeField);
+        EXPECT_TRUE(typeField.empty() || (Verified(t) && TextOf(t, 2) == "\x01" + typeField)) << Gather(t);
     }
 
     for (const bool fits : {true, false}) { // BodyLength = 5 + 4 + value length
@@ -301,15 +218,13 @@ TEST(FixTagCollection, FinalizeWritesInPlaceWithinItsLimits) {
             EXPECT_TRUE(Verified(big));
             continue;
         }
-        EXPECT_FALSE(big.isFinalized());
-        EXPECT_EQ(TextOf(big, 1).size(), 0u); // no digits written
-        const std::string after = Gather(big);
-        ASSERT_EQ(after.size(), before);                  // no trailer slot, slot 2 at its old length
+        const std::string after = Gather(big); // no digits, no trailer slot, slot 2 at its old length
+        EXPECT_EQ(std::tuple(big.isFinalized(), TextOf(big, 1).size(), after.size()),
+                  std::tuple(false, 0u, before));
         EXPECT_EQ(after[TextOf(big, 0).size() + 4], 'D'); // the type byte keeps its new value
         // Kept: after a refused two-character type the piece length is not restored with the slot.
         EXPECT_FALSE(big.Finalize("AE"));
-        EXPECT_EQ(TextOf(big, 2).size(), 6u);
-        EXPECT_EQ(big.GetTotalLength(), before + 1 + 7);
+        EXPECT_EQ(std::tuple(TextOf(big, 2).size(), big.GetTotalLength()), std::tuple(6u, before + 1 + 7));
     }
 }
 
@@ -331,10 +246,9 @@ TEST(FixTagCollection, KeptMsgTypeQuirks) {
     ASSERT_TRUE(twoOne.Finalize("AE"));
     ASSERT_TRUE(twoOne.Finalize("D"));
     EXPECT_EQ(TextOf(twoOne, 2), std::string(1, kSoh) + "35=D\x01\x01");
-    const fixcheck::Measured m = fixcheck::Measure(Gather(twoOne));
-    ASSERT_TRUE(m.wellFormed);
-    EXPECT_EQ(m.declaredBodyLength, m.countedBodyLength);
-    EXPECT_EQ(m.declaredCheckSum, (m.computedCheckSum + 255) % 256);
+    const fixtest::Measured m = fixtest::Measure(Gather(twoOne));
+    EXPECT_EQ(std::tuple(m.wellFormed, m.declaredBodyLength, m.declaredCheckSum),
+              std::tuple(true, m.countedBodyLength, (m.computedCheckSum + 255) % 256));
     // Reset after a two-character type: the random messages below pin the kept BodyLength excess.
 }
 
@@ -356,10 +270,8 @@ TEST(FixTagCollection, ResetClearsAndViewsRefuseChanges) {
     }
     EXPECT_EQ(Gather(b), message); // the source is untouched by its views
     b.Reset();
-    EXPECT_EQ(b.GetCount(), 3);
-    EXPECT_EQ(b.GetControlSum(), baseSum);
-    EXPECT_FALSE(b.isFinalized());
-    EXPECT_EQ(b.GetMessageLength(), 0u);
+    EXPECT_EQ(std::tuple(b.GetCount(), b.GetControlSum(), b.isFinalized(), b.GetMessageLength()),
+              std::tuple(3, baseSum, false, 0u));
     EXPECT_FALSE(b.UpdateTagSenderCompId("S", 0, 0) || b.UpdateTagTargetCompId("T", 0, 0));
     EXPECT_FALSE(b.UpdateTagTestReqId("R", 0, 0) || b.UpdateTagUtcTime(0));
     b.AppendTagUtc(nullptr, ~0u); // the SendingTime places are zero again
@@ -407,7 +319,7 @@ TEST(FixTagCollection, RandomMessagesMatchIndependentChecksAndReadBack) {
             b.Append("34=", 0, false, 0);
             b.AppendMsgSeqNumValue(seq);
             b.AppendTagSenderCompId(referenced.back().c_str(), 0, static_cast<unsigned char>(pick(2) * 2));
-            b.AppendTagTargetCompId(expected[2].value.c_str(), 0, 2);
+            b.AppendTagTargetCompId(expected[2].second.c_str(), 0, 2);
             b.AppendTagUtc(static_cast<unsigned short>(month), static_cast<unsigned short>(day),
                            static_cast<unsigned short>(year), ms);
             std::vector<unsigned> tags;
@@ -420,7 +332,7 @@ TEST(FixTagCollection, RandomMessagesMatchIndependentChecksAndReadBack) {
                 const std::uint64_t number = kind == 0 ? rng() : (std::uint64_t{rng()} << 32) | rng();
                 expected.push_back(
                     {std::to_string(tags[f]), kind < 2 ? std::to_string(number) : RandomText(rng, 40)});
-                const std::string& value = expected.back().value;
+                const std::string& value = expected.back().second;
                 if (kind == 0) {
                     b.AppendUIntTag(tag, static_cast<unsigned int>(number), 0);
                 } else if (kind == 1) {
@@ -437,16 +349,16 @@ TEST(FixTagCollection, RandomMessagesMatchIndependentChecksAndReadBack) {
             }
             if (pick(3) == 0) {
                 expected.push_back({"112", RandomText(rng, 8)});
-                b.AppendTagTestReqId(expected.back().value.c_str(), 0, 2);
+                b.AppendTagTestReqId(expected.back().second.c_str(), 0, 2);
             }
             ASSERT_TRUE(b.Finalize(type.c_str()));
             if (pick(2) == 0) { // change per-message values and finalize again in place
                 const unsigned next = 1 + pick(1000000), ms2 = pick(86400000);
-                expected[0].value = std::to_string(next);
-                expected[1].value = RandomText(rng, 20);
-                expected[3].value = UtcText(month, day, year, ms2);
+                expected[0].second = std::to_string(next);
+                expected[1].second = RandomText(rng, 20);
+                expected[3].second = UtcText(month, day, year, ms2);
                 b.UpdateMsgSeqNumValue(next);
-                b.UpdateTagSenderCompId(expected[1].value.c_str(), 0, 2);
+                b.UpdateTagSenderCompId(expected[1].second.c_str(), 0, 2);
                 b.UpdateTagUtcTime(ms2);
                 ASSERT_TRUE(b.Finalize(type.c_str()));
             }
@@ -454,52 +366,39 @@ TEST(FixTagCollection, RandomMessagesMatchIndependentChecksAndReadBack) {
             const bool carried = previousTwoChar; // kept: the message after Reset counts one byte more
             previousTwoChar = type.size() == 2;
             const std::string bytes = Gather(b);
-            const fixcheck::Measured m = fixcheck::Measure(bytes);
-            ASSERT_TRUE(m.wellFormed);
-            EXPECT_EQ(m.declaredCheckSum, m.computedCheckSum);
-            EXPECT_EQ(m.declaredBodyLength, m.countedBodyLength + (carried ? 1u : 0u));
-            EXPECT_EQ(b.GetMessageLength(), m.declaredBodyLength);
+            const fixtest::Measured m = fixtest::Measure(bytes);
+            EXPECT_EQ(
+                std::tuple(m.wellFormed, m.declaredCheckSum, m.declaredBodyLength, b.GetMessageLength()),
+                std::tuple(true, m.computedCheckSum, m.countedBodyLength + (carried ? 1u : 0u),
+                           m.declaredBodyLength));
             std::vector<Field> fields;
-            ASSERT_TRUE(fixcheck::SplitFields(bytes, fields));
+            ASSERT_TRUE(SplitFields(bytes, fields));
             ASSERT_EQ(fields.size(), expected.size() + 4);
-            EXPECT_EQ(fields[0], (Field{"8", version == 0x0402u ? "FIX.4.2" : "FIX.4.4"}));
-            EXPECT_EQ(fields[2], (Field{"35", type}));
+            EXPECT_EQ(fields[0], Field("8", version == 0x0402u ? "FIX.4.2" : "FIX.4.4"));
+            EXPECT_EQ(fields[2], Field("35", type));
             EXPECT_EQ(std::vector<Field>(fields.begin() + 3, fields.end() - 1), expected);
 
             // The library's receiving side: the scanner finds the message's end (a carried BodyLength
             // points it at the wrong byte), the parser reads every field back.
-            unsigned int held = 0, newLength = static_cast<unsigned int>(bytes.size()), position = 0,
-                         scanned = 0;
-            const char* newData = bytes.data();
-            char protocol[8] = {}, current = 0, previous = 0;
-            unsigned short p[12] = {}; // bl is p[3], cs is p[9]
-            unsigned char complete = 0;
-            const unsigned char code =
-                U_CheckFixIntegrity(nullptr, &held, &newData, &newLength, &position, protocol, &scanned,
-                                    &p[0], &p[1], &p[2], &p[3], &p[4], &p[5], &p[6], &p[7], &p[8], &p[9],
-                                    &p[10], &p[11], &complete, &current, &previous);
+            fixtest::ScanState scan;
+            unsigned int held = 0, length = static_cast<unsigned int>(bytes.size());
+            const char* data = bytes.data();
+            const unsigned char code = scan.Scan(nullptr, held, &data, length);
             if (carried) {
                 EXPECT_EQ(code, FixIntegrityBadTrailer);
                 continue;
             }
-            ASSERT_EQ(code, FixIntegrityOk);
-            EXPECT_EQ(complete, 1);
-            EXPECT_EQ(newLength, 0u);
-            EXPECT_EQ(position + 1, bytes.size());
-            EXPECT_EQ(p[3], m.declaredBodyLength);
-            EXPECT_EQ(p[9], m.declaredCheckSum);
-            EXPECT_EQ(scanned, version);
+            EXPECT_EQ(std::tuple(int{code}, int{scan.complete}, length, scan.position + 1,
+                                 unsigned{scan.bodyLength}, unsigned{scan.checkSum}, scan.version),
+                      std::tuple(int{FixIntegrityOk}, 1, 0u, bytes.size(), m.declaredBodyLength,
+                                 m.declaredCheckSum, version));
             FixFieldMap map;
-            unsigned short errorTag = 0, ordinal = 0;
             ASSERT_EQ(
-                U_ParseFix(map, bytes.data(), static_cast<unsigned int>(bytes.size()), &errorTag, &ordinal),
+                U_ParseFix(map, bytes.data(), static_cast<unsigned int>(bytes.size()), nullptr, nullptr),
                 FixParseNoError);
             std::vector<Field> reparsed;
-            for (const auto& [tag, text] : map) reparsed.push_back({std::to_string(tag), std::string(text)});
-            ASSERT_EQ(reparsed.size(), fields.size());
-            for (std::size_t i = 0; i < reparsed.size(); ++i)
-                EXPECT_EQ(reparsed[i], (Field{std::to_string(std::stoul(fields[i].tag)), fields[i].value}))
-                    << i;
+            for (const auto& [tag, text] : map) reparsed.emplace_back(std::to_string(tag), text);
+            EXPECT_EQ(reparsed, fields);
             ++parsed;
         }
     }

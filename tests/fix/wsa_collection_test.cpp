@@ -9,11 +9,13 @@
 #include <functional>
 #include <new>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "VeloraUtils/FixTagCollection.h"
 #include "VeloraUtils/WsaCollection.h"
+#include "fix_test_messages.h"
 
 namespace {
 
@@ -25,44 +27,31 @@ const WSABUF& SlotOf(const WsaCollection& c, unsigned short i) {
 }
 std::vector<std::string> SlotTexts(const WsaCollection& c) {
     std::vector<std::string> out;
-    for (unsigned short i = 0; i < c.GetCount(); ++i)
-        out.push_back(SlotOf(c, i).buf == nullptr ? std::string()
-                                                  : std::string(SlotOf(c, i).buf, SlotOf(c, i).len));
+    for (unsigned short i = 0; i < c.GetCount(); ++i) out.push_back(fixtest::TextOf(c, i));
     return out;
 }
 
 // Array-allocation log: while recording, the replaced operator new[] / delete[] count every
-// allocation's releases. A Windows DLL has its own allocator: detected, the counting test skips.
+// allocation's releases (the newest record of an address is the live one: an address is reused only
+// after its release). A Windows DLL has its own allocator: detected, the counting test skips.
 constexpr int kMaxRecords = 4096;
 void* g_pointers[kMaxRecords];
 int g_releases[kMaxRecords];
 int g_recordCount = 0, g_unknownReleases = 0;
 bool g_recording = false;
 
-[[maybe_unused]] void RecordAllocation(void* p) {
-    if (g_recordCount < kMaxRecords) g_pointers[g_recordCount] = p, g_releases[g_recordCount] = 0;
-    ++g_recordCount;
-}
-// The newest record of an address is the live one (an address is reused only after its release).
 int RecordOf(const void* p) {
     for (int i = std::min(g_recordCount, kMaxRecords) - 1; i >= 0; --i)
         if (g_pointers[i] == p) return i;
     return -1;
 }
-[[maybe_unused]] void RecordRelease(void* p) {
-    const int i = RecordOf(p);
-    ++(i >= 0 ? g_releases[i] : g_unknownReleases);
-}
 int ReleasesOf(const void* p) {
-    const int i = RecordOf(p);
-    return i >= 0 ? g_releases[i] : -1;
+    return RecordOf(p) >= 0 ? g_releases[RecordOf(p)] : -1;
 }
 
 struct AllocationLog {
     AllocationLog() { g_recordCount = 0, g_unknownReleases = 0, g_recording = true; }
     ~AllocationLog() { g_recording = false; }
-    AllocationLog(const AllocationLog&) = delete;
-    AllocationLog& operator=(const AllocationLog&) = delete;
 };
 
 // Every array allocated while recording released exactly once, and nothing else released.
@@ -98,11 +87,12 @@ bool LibraryAllocationsVisible() {
 void* operator new[](std::size_t size) {
     void* p = std::malloc(size == 0 ? 1 : size);
     if (p == nullptr) throw std::bad_alloc();
-    if (g_recording) RecordAllocation(p);
+    if (g_recording && g_recordCount++ < kMaxRecords)
+        g_pointers[g_recordCount - 1] = p, g_releases[g_recordCount - 1] = 0;
     return p;
 }
 void operator delete[](void* p) noexcept {
-    if (p != nullptr && g_recording) RecordRelease(p);
+    if (p != nullptr && g_recording) ++(RecordOf(p) >= 0 ? g_releases[RecordOf(p)] : g_unknownReleases);
     std::free(p);
 }
 void operator delete[](void* p, std::size_t) noexcept {
@@ -113,17 +103,11 @@ void operator delete[](void* p, std::size_t) noexcept {
 namespace {
 
 TEST(WsaCollection, AppendAndSetTagAtFillSlotsPerModeAndTrailingCharacter) {
-    struct Case {
-        const char* name;
-        int index; // -1: Append, else SetTagAt(index)
-        const char* buffer;
-        unsigned int length;
-        bool trailing;
-        unsigned char mode;
-        int result;                     // Append's ordinal, or SetTagAt's result
-        std::vector<std::string> slots; // starting from {"aa" (copied), "bbb"}
-        bool atCaller;                  // the value's slot points at `buffer` itself
-    };
+    // name, -1 for Append (else SetTagAt's index), buffer, length, with a trailing SOH, mode, Append's
+    // ordinal (or SetTagAt's result), the slots (from {"aa" (copied), "bbb"}), whether the value's slot
+    // points at the buffer itself
+    using Case = std::tuple<const char*, int, const char*, unsigned, bool, unsigned char, int,
+                            std::vector<std::string>, bool>;
     static const char abc[] = "abc";
     static const char empty[] = "";
     const std::string ab("aa"), bbb("bbb"), soh("\x01");
@@ -146,51 +130,44 @@ TEST(WsaCollection, AppendAndSetTagAtFillSlotsPerModeAndTrailingCharacter) {
         {"EmptyCopyAtLastKeepsTrailingSlot", 1, empty, 0, true, 2, 1, {ab, "", soh}, true},
     };
     // clang-format on
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, index, buffer, length, withSoh, mode, expected, slots, atCaller] : cases) {
+        SCOPED_TRACE(name);
         WsaCollection coll(2);
         coll.Append("aa", 2, nullptr, 2);
         coll.Append("bbb", 3, nullptr, 0);
-        const char* const trailing = c.trailing ? &kSoh : nullptr;
-        const unsigned int index = static_cast<unsigned int>(c.index);
-        EXPECT_EQ(c.index < 0 ? coll.Append(c.buffer, c.length, trailing, c.mode)
-                              : static_cast<int>(coll.SetTagAt(index, c.buffer, c.length, trailing, c.mode)),
-                  c.result);
-        EXPECT_EQ(SlotTexts(coll), c.slots);
+        const char* const trailing = withSoh ? &kSoh : nullptr;
+        const int result = index < 0
+                               ? coll.Append(buffer, length, trailing, mode)
+                               : coll.SetTagAt(static_cast<unsigned>(index), buffer, length, trailing, mode);
         unsigned int total = 0;
-        for (const std::string& text : c.slots) total += static_cast<unsigned int>(text.size());
-        EXPECT_EQ(coll.GetTotalLength(), total);
-        const unsigned short slot = static_cast<unsigned short>(c.index < 0 ? 2 : c.index);
-        const unsigned short next = static_cast<unsigned short>(slot + 1);
-        EXPECT_TRUE(c.result == 0 || (SlotOf(coll, slot).buf == c.buffer) == c.atCaller);
-        EXPECT_TRUE(c.result == 0 || c.slots.back() != soh || SlotOf(coll, next).buf == &kSoh);
+        for (const std::string& text : slots) total += static_cast<unsigned int>(text.size());
+        EXPECT_EQ(std::tuple(result, SlotTexts(coll), coll.GetTotalLength()),
+                  std::tuple(expected, slots, total));
+        const auto slot = static_cast<unsigned short>(index < 0 ? 2 : index);
+        EXPECT_TRUE(result == 0 || (SlotOf(coll, slot).buf == buffer) == atCaller);
+        EXPECT_TRUE(result == 0 || slots.back() != soh ||
+                    SlotOf(coll, static_cast<unsigned short>(slot + 1)).buf == &kSoh);
     }
     char* handed = new char[3]{'a', 'b', 'c'};
     WsaCollection coll(2);
     EXPECT_EQ(coll.Append(handed, 3, &kSoh, 1), 1);
-    EXPECT_EQ(SlotOf(coll, 0).buf, handed); // freed by the collection (the sanitizer build checks)
-    EXPECT_EQ(SlotTexts(coll), (std::vector<std::string>{"abc", "\x01"}));
+    EXPECT_EQ(
+        std::tuple(SlotOf(coll, 0).buf, SlotTexts(coll)), // freed by the collection (sanitizer build checks)
+        std::tuple(handed, std::vector<std::string>{"abc", "\x01"}));
     // A full array grows instead of writing past its end: replacing the last slot with a trailing
     // slot, and appending at count.
     WsaCollection full(2);
     full.Append("a", 1, nullptr, 0);
     full.Append("b", 1, nullptr, 0);
-    EXPECT_TRUE(full.SetTagAt(1, "c", 1, &kSoh, 0));
-    EXPECT_EQ(full.GetCapacity(), 4);
-    EXPECT_TRUE(full.SetTagAt(3, "d", 1, &kSoh, 0));
-    EXPECT_EQ(full.GetCapacity(), 8);
+    EXPECT_TRUE(full.SetTagAt(1, "c", 1, &kSoh, 0) && full.GetCapacity() == 4);
+    EXPECT_TRUE(full.SetTagAt(3, "d", 1, &kSoh, 0) && full.GetCapacity() == 8);
     EXPECT_EQ(SlotTexts(full), (std::vector<std::string>{"a", "c", "\x01", "d", "\x01"}));
 }
 
 TEST(WsaCollection, GrowsByDoublingAndRefusesPastTheLimit) {
-    struct Case {
-        const char* name;
-        unsigned short initial;
-        int filled;    // single-slot appends before the probe "w"
-        bool trailing; // the probe needs a separate trailing slot
-        bool accepted;
-        unsigned short capacity; // after the probe
-    };
+    // name, initial capacity, single-slot appends before the probe "w", whether the probe needs a separate
+    // trailing slot, whether it is accepted, the capacity after it
+    using Case = std::tuple<const char*, unsigned short, int, bool, bool, unsigned short>;
     // clang-format off
     const std::vector<Case> cases = {
         {"CapacityOneHoldsOne", 1, 0, false, true, 1},
@@ -209,20 +186,19 @@ TEST(WsaCollection, GrowsByDoublingAndRefusesPastTheLimit) {
         {"CapacityAboveLimitNeverGrows", 0x9000, 0x9000, false, false, 0x9000},
     };
     // clang-format on
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        WsaCollection coll(c.initial);
-        for (int i = 0; i < c.filled; ++i) ASSERT_NE(coll.Append("v", 1, nullptr, 0), 0);
+    for (const auto& [name, initial, filled, withSoh, accepted, capacity] : cases) {
+        SCOPED_TRACE(name);
+        WsaCollection coll(initial);
+        for (int i = 0; i < filled; ++i) ASSERT_NE(coll.Append("v", 1, nullptr, 0), 0);
         const unsigned int total = coll.GetTotalLength();
-        const char* const trailing = c.trailing ? &kSoh : nullptr;
-        EXPECT_EQ(coll.Append("w", 1, trailing, 0) != 0, c.accepted);
-        EXPECT_EQ(coll.GetCapacity(), c.capacity);
-        std::vector<std::string> expected(static_cast<std::size_t>(c.filled), "v");
-        if (c.accepted) expected.push_back("w");
-        if (c.accepted && c.trailing) expected.push_back("\x01");
-        EXPECT_EQ(SlotTexts(coll), expected);
-        EXPECT_EQ(coll.GetTotalLength(), total + (c.accepted ? (c.trailing ? 2u : 1u) : 0u));
-        EXPECT_TRUE(c.accepted || !coll.SetTagAt(coll.GetCount(), "w", 1, trailing, 0));
+        const char* const trailing = withSoh ? &kSoh : nullptr;
+        const bool taken = coll.Append("w", 1, trailing, 0) != 0;
+        std::vector<std::string> expected(static_cast<std::size_t>(filled), "v");
+        if (accepted) expected.push_back("w");
+        if (accepted && withSoh) expected.push_back("\x01");
+        EXPECT_EQ(std::tuple(taken, coll.GetCapacity(), SlotTexts(coll), coll.GetTotalLength()),
+                  std::tuple(accepted, capacity, expected, total + (accepted ? (withSoh ? 2u : 1u) : 0u)));
+        EXPECT_TRUE(accepted || !coll.SetTagAt(coll.GetCount(), "w", 1, trailing, 0));
     }
 }
 
@@ -230,29 +206,26 @@ TEST(WsaCollection, ResetSumsAndViews) {
     WsaCollection coll(4);
     coll.Append("ab", 0, &kSoh, 0);
     coll.Append("\xfe", 1, nullptr, 2);
-    EXPECT_EQ(coll.CalculateControlSumAt(0), 97u + 98u);
-    EXPECT_EQ(coll.CalculateControlSumAt(2), 0xFFFFFFFEu); // bytes as signed 8-bit
-    EXPECT_EQ(coll.CalculateControlSumAt(3), 0u);          // not below count
-    EXPECT_EQ(coll.CalculateControlSum(), 97u + 98u + 1u - 2u);
-    const WSABUF* none = nullptr;
-    EXPECT_EQ(WsaCollection::CalculateItemControlSum(none), 0u);
+    const WSABUF* none = nullptr; // bytes sum as signed 8-bit; slot 3 is not below count
+    EXPECT_EQ(std::tuple(coll.CalculateControlSumAt(0), coll.CalculateControlSumAt(2),
+                         coll.CalculateControlSumAt(3), coll.CalculateControlSum(),
+                         WsaCollection::CalculateItemControlSum(none)),
+              std::tuple(97u + 98u, 0xFFFFFFFEu, 0u, 97u + 98u + 1u - 2u, 0u));
     const std::vector<std::string> texts = SlotTexts(coll);
     {
         WsaCollection view(coll), assigned(1);
         assigned = coll;
         EXPECT_TRUE(view.isView() && assigned.isView() && !coll.isView());
         EXPECT_EQ(view.GetWsaBufAt(0), coll.GetWsaBufAt(0)); // the same slot array
-        EXPECT_EQ(view.Append("x", 1, nullptr, 2), 0);
-        EXPECT_FALSE(view.SetTagAt(0, "x", 1, nullptr, 2));
+        EXPECT_FALSE(view.Append("x", 1, nullptr, 2) != 0 || view.SetTagAt(0, "x", 1, nullptr, 2));
         view.Reset();
         EXPECT_EQ(SlotTexts(view), texts);
     } // the views go first: the original's buffers stay valid
     EXPECT_EQ(SlotTexts(coll), texts);
     coll.Reset();
-    EXPECT_EQ(coll.GetCount(), 0);
-    EXPECT_EQ(coll.GetTotalLength(), 0u);
-    EXPECT_EQ(coll.GetCapacity(), 4);
-    EXPECT_EQ(coll.CalculateControlSum(), 0u);
+    EXPECT_EQ(
+        std::tuple(coll.GetCount(), coll.GetTotalLength(), coll.GetCapacity(), coll.CalculateControlSum()),
+        std::tuple(0, 0u, 4, 0u));
 }
 
 TEST(WsaCollection, EachOwnedBufferIsReleasedExactlyOnce) {
@@ -281,8 +254,7 @@ TEST(WsaCollection, EachOwnedBufferIsReleasedExactlyOnce) {
              WsaCollection coll(2);
              coll.Append(handed, 2, nullptr, 1);
              coll.SetTagAt(0, handed, 2, nullptr, 1);
-             EXPECT_EQ(ReleasesOf(handed), 0);
-             EXPECT_EQ(SlotTexts(coll), std::vector<std::string>{"hi"}); }},
+             EXPECT_TRUE(ReleasesOf(handed) == 0 && SlotTexts(coll) == std::vector<std::string>{"hi"}); }},
         {"ResetReleasesOwnedOnce", [] {
              WsaCollection coll(2);
              coll.Append("a", 0, nullptr, 2);

@@ -3,105 +3,76 @@
 
 #include <cinttypes>
 #include <cstdio>
-#include <functional>
-#include <limits>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "VeloraUtils/NumberFormatting.h"
 
 namespace {
 
-TEST(AppendFormatting, AppendsTextAndOptionalSeparator) {
-    struct Case {
-        const char* name;
-        std::function<void(std::string&)> append;
-        const char* expected;
-    };
-    const Case cases[] = {
-        {"bool true", [](std::string& s) { U_AppendBool(s, true, 0); }, "1"},
-        {"bool false with separator", [](std::string& s) { U_AppendBool(s, false, '|'); }, "0|"},
-        {"uchar", [](std::string& s) { U_AppendUChar(s, 255, ','); }, "255,"},
-        {"uchar hex", [](std::string& s) { U_AppendUCharHex(s, 0x0a, 0); }, "a"},
-        {"ushort", [](std::string& s) { U_AppendUShort(s, 65535, 0); }, "65535"},
-        {"ushort hex", [](std::string& s) { U_AppendUShortHex(s, 0xbeef, ' '); }, "beef "},
-        {"uint zero", [](std::string& s) { U_AppendUInt(s, 0, 0); }, "0"},
-        {"uint max", [](std::string& s) { U_AppendUInt(s, 4294967295u, 0); }, "4294967295"},
-        {"uint hex", [](std::string& s) { U_AppendUIntHex(s, 0xdeadbeef, 0); }, "deadbeef"},
-        {"uint64 max",
-         [](std::string& s) { U_AppendUInt64(s, std::numeric_limits<std::uint64_t>::max(), ';'); },
-         "18446744073709551615;"},
-        {"uint64 hex lowercase", [](std::string& s) { U_AppendUInt64Hex(s, 255, 0); }, "ff"},
-        {"uint64 hex no leading zeros", [](std::string& s) { U_AppendUInt64Hex(s, 0x0100000000ULL, 0); },
-         "100000000"},
-        {"int negative", [](std::string& s) { U_AppendInt(s, -42, ','); }, "-42,"},
-        {"int most negative", [](std::string& s) { U_AppendInt(s, std::numeric_limits<int>::min(), 0); },
-         "-2147483648"},
-        {"int64 negative", [](std::string& s) { U_AppendInt64(s, -1234567890123LL, 0); }, "-1234567890123"},
-        {"int64 positive has no plus", [](std::string& s) { U_AppendInt64(s, 7, 0); }, "7"},
-        {"printable letter", [](std::string& s) { U_AppendPrintableChar(s, 'A', '|'); }, "A|"},
-        {"blank is not printable", [](std::string& s) { U_AppendPrintableChar(s, ' ', 0); }, "#32"},
-        {"control code", [](std::string& s) { U_AppendPrintableChar(s, '\x01', ','); }, "#1,"},
-        {"delete", [](std::string& s) { U_AppendPrintableChar(s, '\x7f', 0); }, "#127"},
-        {"high code as unsigned", [](std::string& s) { U_AppendPrintableChar(s, '\xe9', 0); }, "#233"},
-        {"nul code", [](std::string& s) { U_AppendPrintableChar(s, '\0', 0); }, "#0"},
-        {"two digits pads", [](std::string& s) { U_AppendTwoDigits(s, 7, 0); }, "07"},
-        {"two digits drops hundreds", [](std::string& s) { U_AppendTwoDigits(s, 123, 0); }, "03"},
-        {"two digits 99", [](std::string& s) { U_AppendTwoDigits(s, 99, ':'); }, "99:"},
-        {"three digits", [](std::string& s) { U_AppendThreeDigits(s, 5, 0); }, "005"},
-        {"three digits full", [](std::string& s) { U_AppendThreeDigits(s, 999, '.'); }, "999."},
-        {"three digits thousands dropped", [](std::string& s) { U_AppendThreeDigits(s, 1234, 0); }, "034"},
-        {"four digits", [](std::string& s) { U_AppendFourDigits(s, 2026, '-'); }, "2026-"},
-        {"four digits pads", [](std::string& s) { U_AppendFourDigits(s, 7, 0); }, "0007"},
-        {"four digits ten-thousands dropped", [](std::string& s) { U_AppendFourDigits(s, 12345, 0); },
-         "0345"},
-    };
-    for (const Case& c : cases) {
-        std::string s = "x";
-        c.append(s);
-        EXPECT_EQ(s, std::string("x") + c.expected) << c.name;
-    }
+std::string Hex(std::uint64_t value, char sep) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%" PRIx64 "%c", value, sep);
+    return text;
 }
 
-TEST(AppendFormatting, PrintableIfValidAppendsNothingForOtherCodes) {
-    for (int code = 0; code < 256; ++code) {
-        std::string s = "x";
-        const bool printable = code >= 33 && code <= 126;
-        EXPECT_EQ(U_AppendPrintableCharIfValid(s, static_cast<char>(code), '|'), printable) << code;
-        EXPECT_EQ(s, printable ? std::string("x") + static_cast<char>(code) + "|" : std::string("x")) << code;
-
-        std::string shown;
-        U_AppendPrintableChar(shown, static_cast<char>(code), 0);
-        EXPECT_EQ(shown, printable ? std::string(1, static_cast<char>(code)) : "#" + std::to_string(code))
-            << code;
-    }
-}
-
-TEST(AppendFormatting, DecimalAndHexMatchReferenceForRandomValues) {
+// Every decimal and hexadecimal appender against std::to_string and printf, on the limits of each
+// type and on random values of every magnitude (negated for the signed ones), each with its separator.
+TEST(AppendFormatting, NumbersMatchReferenceOnLimitsAndRandomValues) {
+    std::vector<std::uint64_t> values{0, 1, 9, 10, ~0ull};
+    for (int bits : {7, 8, 15, 16, 31, 32, 63})
+        values.insert(values.end(), {(1ull << bits) - 1, 1ull << bits});
     std::mt19937_64 rng(1234);
-    for (int i = 0; i < 20000; ++i) {
-        const std::uint64_t v = rng() >> (rng() % 64);
-        const auto sv = static_cast<std::int64_t>(rng()) >> (rng() % 64);
-        std::string s;
-        U_AppendUInt64(s, v, ' ');
-        U_AppendUInt(s, static_cast<unsigned int>(v), ' ');
-        U_AppendInt64(s, sv, ' ');
-        U_AppendInt(s, static_cast<int>(sv), ' ');
-        U_AppendUInt64Hex(s, v, 0);
-        char hex[32];
-        std::snprintf(hex, sizeof hex, "%" PRIx64, v);
-        const std::string expected = std::to_string(v) + " " + std::to_string(static_cast<unsigned int>(v)) +
-                                     " " + std::to_string(sv) + " " + std::to_string(static_cast<int>(sv)) +
-                                     " " + hex;
-        ASSERT_EQ(s, expected);
+    for (int i = 0; i < 20000; ++i) values.push_back(rng() >> (rng() % 64));
+    for (const std::uint64_t v : values) {
+        const auto u32 = static_cast<unsigned>(v);
+        const auto u16 = static_cast<unsigned short>(v);
+        const auto u8 = static_cast<unsigned char>(v);
+        const auto s64 = static_cast<std::int64_t>(v), n64 = static_cast<std::int64_t>(0 - v);
+        const auto s32 = static_cast<int>(v), n32 = static_cast<int>(0 - v);
+        std::string s = "x";
+        U_AppendInt(U_AppendInt(U_AppendInt64(U_AppendInt64(s, s64, ' '), n64, ' '), s32, ' '), n32, ';');
+        U_AppendUChar(U_AppendUShort(U_AppendUInt(U_AppendUInt64(s, v, ' '), u32, ' '), u16, ' '), u8, ';');
+        U_AppendUCharHex(U_AppendUShortHex(U_AppendUIntHex(U_AppendUInt64Hex(s, v, ','), u32, ','), u16, ','),
+                         u8, 0);
+        ASSERT_EQ(s, "x" + std::to_string(s64) + " " + std::to_string(n64) + " " + std::to_string(s32) + " " +
+                         std::to_string(n32) + ";" + std::to_string(v) + " " + std::to_string(u32) + " " +
+                         std::to_string(u16) + " " + std::to_string(u8) + ";" + Hex(v, ',') + Hex(u32, ',') +
+                         Hex(u16, ',') + Hex(u8, '\0'));
     }
 }
 
-TEST(AppendFormatting, CallsChainOnTheSameString) {
+// The fixed-width forms, zero padded, each followed by its separator (0 appends nothing). Kept: a value
+// past the width is not cut to its low digits; the leading place gets 0 (123 gives "03").
+TEST(AppendFormatting, FixedWidthDigitsPutZeroInTheLeadingPlaceOfAValuePastTheWidth) {
+    const auto lead = [](unsigned digit) { return digit < 10 ? digit : 0; };
+    for (unsigned v = 0; v < 123456; v += v < 1100 ? 1 : 997) {
+        std::string s = "x";
+        U_AppendFourDigits(U_AppendThreeDigits(U_AppendTwoDigits(s, v, 0), v, '.'), v, '-');
+        char expected[32];
+        std::snprintf(expected, sizeof expected, "x%u%u%u%02u.%u%u%02u-", lead(v / 10), v % 10, lead(v / 100),
+                      v % 100, lead(v / 1000), v % 1000 / 100, v % 100);
+        ASSERT_EQ(s, expected) << v;
+    }
     std::string s;
-    U_AppendUInt(U_AppendUShortHex(U_AppendInt(s, -1, ','), 0xff, ','), 3, 0);
-    EXPECT_EQ(s, "-1,ff,3");
-    EXPECT_EQ(&U_AppendBool(s, true, 0), &s);
+    EXPECT_EQ(&U_AppendBool(U_AppendBool(s, true, 0), false, '|'), &s); // the appenders return the string
+    EXPECT_EQ(s, "10|");
+}
+
+// Codes 33..126 are shown as themselves, every other code (blank, controls, 127 and up) as '#' and
+// its unsigned decimal value; the IfValid form appends nothing for those.
+TEST(AppendFormatting, PrintableCharShowsOtherCodesAsNumbers) {
+    for (int code = 0; code < 256; ++code) {
+        const auto c = static_cast<char>(code);
+        const bool printable = code >= 33 && code <= 126;
+        std::string s = "x";
+        EXPECT_EQ(U_AppendPrintableCharIfValid(s, c, '|'), printable) << code;
+        EXPECT_EQ(s, printable ? std::string("x") + c + "|" : std::string("x")) << code;
+        std::string shown = "x";
+        U_AppendPrintableChar(shown, c, '|');
+        EXPECT_EQ(shown, "x" + (printable ? std::string(1, c) : "#" + std::to_string(code)) + "|") << code;
+    }
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "VeloraUtils/NumberFormatting.h"
@@ -17,27 +19,17 @@ namespace {
 
 using U64 = std::uint64_t;
 constexpr U64 kMaxU64 = std::numeric_limits<U64>::max();
+const std::string kGuard(16, '\x5a');
 
-// A caller buffer of `size` bytes with guard bytes on both sides that no writer may touch.
-class GuardedBuffer {
-public:
-    explicit GuardedBuffer(unsigned int size) : size_(size), storage_(size + 2 * kGuard, kPoison) {}
-    char* data() { return storage_.data() + kGuard; }
-    bool GuardsIntact() const {
-        return std::all_of(storage_.begin(), storage_.begin() + kGuard,
-                           [](char c) { return c == kPoison; }) &&
-               std::all_of(storage_.end() - kGuard, storage_.end(), [](char c) { return c == kPoison; });
-    }
+// A caller buffer of `size` bytes between guard bytes that no writer may touch.
+struct GuardedBuffer {
+    explicit GuardedBuffer(unsigned int n) : size(n), storage(kGuard + std::string(n, '\x5a') + kGuard) {}
+    char* data() { return storage.data() + kGuard.size(); }
+    bool GuardsIntact() const { return storage.starts_with(kGuard) && storage.ends_with(kGuard); }
     // The text from `first` up to the terminator at the buffer's last byte.
-    std::string TextFrom(const char* first) {
-        return std::string(first, static_cast<const char*>(data() + size_ - 1));
-    }
-
-private:
-    static constexpr std::size_t kGuard = 16;
-    static constexpr char kPoison = '\x5a';
-    unsigned int size_;
-    std::vector<char> storage_;
+    std::string TextFrom(const char* first) { return {first, static_cast<const char*>(data()) + size - 1}; }
+    unsigned int size;
+    std::string storage;
 };
 
 // Reference text built with plain string operations: digits of the magnitude, point, grouping.
@@ -59,9 +51,9 @@ std::string HexText(U64 value, char sep) {
 
 // Every buffer-family writer keeps the least significant characters of its full text: in a
 // buffer of `size` bytes the result is the last min(size - 1, length) characters, ending at the
-// terminator in buf[size - 1]; size 0 leaves the buffer untouched and returns it. Checked at every
-// size up to a little past the text (the character-by-character path) and in roomy buffers such
-// as callers usually pass (the fast path).
+// terminator in buf[size - 1]; size 0 leaves the buffer untouched and returns it. So a sign without
+// room is left out rather than written before the buffer. Checked at every size up to a little past
+// the text (the character-by-character path) and in roomy buffers (the fast path).
 template <class Writer> void ExpectSuffixAtEverySize(const std::string& full, Writer write) {
     std::vector<unsigned int> sizes{32, 48, 64, 128};
     for (unsigned int size = 0; size <= full.size() + 3; ++size) sizes.push_back(size);
@@ -70,13 +62,9 @@ template <class Writer> void ExpectSuffixAtEverySize(const std::string& full, Wr
         char* result = write(buffer.data(), size);
         SCOPED_TRACE("size " + std::to_string(size) + ", full text '" + full + "'");
         ASSERT_TRUE(buffer.GuardsIntact());
-        if (size == 0) {
-            ASSERT_EQ(result, buffer.data());
-            continue;
-        }
-        const std::size_t kept = std::min<std::size_t>(size - 1, full.size());
-        ASSERT_EQ(result, buffer.data() + size - 1 - kept);
-        ASSERT_EQ(buffer.TextFrom(result), full.substr(full.size() - kept));
+        const std::size_t kept = size == 0 ? 0 : std::min<std::size_t>(size - 1, full.size());
+        ASSERT_EQ(result, buffer.data() + (size == 0 ? 0 : size - 1 - kept));
+        ASSERT_EQ(size == 0 ? "" : buffer.TextFrom(result), full.substr(full.size() - kept));
     }
 }
 
@@ -105,7 +93,6 @@ struct DecimalWriter {
     bool isSigned, commas, takesDecimals;
 };
 
-// One row per writer: the lambda turns magnitude and sign into the writer's own argument type.
 // clang-format off
 #define WITH_DECIMALS(fn, T) [](U64 m, bool n, char* b, unsigned s, unsigned char d, char p) { return fn(Signed<T>(m, n), b, s, d, p); }
 #define NO_DECIMALS(fn, T) [](U64 m, bool n, char* b, unsigned s, unsigned char, char p) { return fn(Signed<T>(m, n), b, s, p); }
@@ -146,164 +133,107 @@ TEST(BufferFormatting, DecimalWritersKeepLeastSignificantCharactersAtEverySize) 
 }
 
 TEST(BufferFormatting, HexWritersKeepLeastSignificantDigitsAtEverySize) {
-    for (U64 v : SampleMagnitudes(kMaxU64)) {
-        for (char sep : {'\0', ' '}) {
-            const auto v32 = static_cast<unsigned>(v);
-            const auto v16 = static_cast<unsigned short>(v);
-            const auto v8 = static_cast<unsigned char>(v);
-            ExpectSuffixAtEverySize(HexText(v, sep),
-                                    [&](char* b, unsigned s) { return U_UInt64HexToStr(v, b, s, sep); });
-            ExpectSuffixAtEverySize(HexText(v32, sep),
-                                    [&](char* b, unsigned s) { return U_UIntHexToStr(v32, b, s, sep); });
-            ExpectSuffixAtEverySize(HexText(v16, sep),
-                                    [&](char* b, unsigned s) { return U_UShortHexToStr(v16, b, s, sep); });
-            ExpectSuffixAtEverySize(HexText(v8, sep),
-                                    [&](char* b, unsigned s) { return U_UCharHexToStr(v8, b, s, sep); });
-        }
-    }
+    using HexWrite = char* (*)(U64, char*, unsigned, char);
+    // clang-format off
+    const std::pair<U64, HexWrite> writers[] = {
+        {kMaxU64, [](U64 v, char* b, unsigned s, char p) { return U_UInt64HexToStr(v, b, s, p); }},
+        {0xFFFFFFFF, [](U64 v, char* b, unsigned s, char p) { return U_UIntHexToStr(static_cast<unsigned>(v), b, s, p); }},
+        {0xFFFF, [](U64 v, char* b, unsigned s, char p) { return U_UShortHexToStr(static_cast<unsigned short>(v), b, s, p); }},
+        {0xFF, [](U64 v, char* b, unsigned s, char p) { return U_UCharHexToStr(static_cast<unsigned char>(v), b, s, p); }},
+    };
+    // clang-format on
+    for (U64 value : SampleMagnitudes(kMaxU64))
+        for (char sep : {'\0', ' '})
+            for (const auto& writer : writers)
+                ExpectSuffixAtEverySize(HexText(value & writer.first, sep),
+                                        [&](char* b, unsigned s) { return writer.second(value, b, s, sep); });
 }
 
-// Writes into a fresh guarded buffer of `size` bytes and returns the text (or "<outside>").
-template <class Writer> std::string TextOf(unsigned size, Writer write, bool expectStartAtBuf = false) {
+// The text a writer leaves in a fresh guarded buffer of `size` bytes, or "<outside>" when it wrote
+// outside the buffer or (with `startsAtBuf`) did not start at its first byte.
+template <class Writer> std::string TextOf(unsigned size, Writer write, bool startsAtBuf) {
     GuardedBuffer buffer(size);
     char* first = write(buffer.data(), size);
-    if (!buffer.GuardsIntact() || first < buffer.data() || (expectStartAtBuf && first != buffer.data()))
+    if (!buffer.GuardsIntact() || first < buffer.data() || (startsAtBuf && first != buffer.data()))
         return "<outside>";
     return size == 0 ? "" : buffer.TextFrom(first);
 }
 
-TEST(BufferFormatting, DocumentedExamplesAndSignPlacement) {
-    using Write = char* (*)(char*, unsigned);
-    const struct {
-        const char* name;
-        Write write;
-        unsigned size;
-        bool startsAtBuf;
-        const char* expected;
-    } cases[] = {
-        // clang-format off
-        {"zero with decimals", [](char* b, unsigned s) { return U_UIntToStr(0, b, s, 2, 0); }, 16, false, "0.00"},
-        {"high digits dropped", [](char* b, unsigned s) { return U_UIntToStr(123456, b, s, 0, 0); }, 4, true, "456"},
-        {"negative fraction", [](char* b, unsigned s) { return U_IntToStr(-5, b, s, 2, ','); }, 16, false, "-0.05,"},
-        {"fraction not grouped", [](char* b, unsigned s) { return U_UIntToStrWithCommas(123456789, b, s, 2, 0); }, 16, false, "1,234,567.89"},
-        {"char code above 127", [](char* b, unsigned s) { return U_CharAsIntToStr('\xe9', b, s, 0); }, 8, false, "-23"},
-        {"more decimals than digits", [](char* b, unsigned s) { return U_UInt64ToStr(42, b, s, 25, 0); }, 40, false, "0.0000000000000000000000042"},
-        // Sign, digits and separator fit exactly: the sign lands in buf[0].
-        {"sign fits exactly", [](char* b, unsigned s) { return U_IntToStr(-5, b, s, 0, ','); }, 4, true, "-5,"},
-        // No room for the sign: it has no place inside the buffer and is left out.
-        {"no room for the sign", [](char* b, unsigned s) { return U_IntToStr(-5, b, s, 0, ','); }, 3, true, "5,"},
-        {"separator only", [](char* b, unsigned s) { return U_ShortToStr(-5, b, s, ','); }, 2, true, ","},
-        {"size zero untouched", [](char* b, unsigned s) { return U_Int64ToStr(-5, b, s, 0, 0); }, 0, true, ""},
-        // clang-format on
-    };
-    for (const auto& c : cases) EXPECT_EQ(TextOf(c.size, c.write, c.startsAtBuf), c.expected) << c.name;
-}
-
-TEST(BufferFormatting, PadCountsDroppedZerosTowardsTheWidth) {
-    struct Case {
-        const char* name;
-        unsigned value, size, width;
-        bool drop;
-        char sep;
-        const char* expected;
-    };
-    const Case cases[] = {
-        {"price fraction shown short", 500, 16, 4, true, 0, "05"},
-        {"price fraction shown full", 500, 16, 4, false, 0, "0500"},
-        {"zero with flag loses its dropped digit", 0, 16, 4, true, 0, "000"},
-        {"zero without flag", 0, 16, 4, false, 0, "0000"},
-        {"width below the digit count", 123456, 16, 2, false, 0, "123456"},
-        {"width zero drops zeros only", 1200, 16, 0, true, 0, "12"},
-        {"separator after the digits", 7, 16, 3, false, ';', "007;"},
-        {"width bounded by room", 5, 4, 9, false, 0, "005"},
-        {"digits truncated by room", 987654, 4, 0, false, 0, "654"},
-        {"separator alone", 5, 2, 4, false, ';', ";"},
-        {"terminator alone", 5, 1, 4, false, 0, ""},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(
-            TextOf(c.size, [&](char* b,
-                               unsigned s) { return U_UIntToStrPad(c.value, b, s, c.width, c.drop, c.sep); }),
-            c.expected)
-            << c.name;
-}
-
-TEST(BufferFormatting, PrependedFillsTheWholeBufferDownToItsStart) {
-    using Write = char* (*)(char*, unsigned);
-    const struct {
-        const char* name;
-        Write write;
-        unsigned size;
-        const char* expected;
-    } cases[] = {
-        {"zero filled", [](char* b, unsigned s) { return U_UIntToStrPrepended(42, b, s, '0', 0); }, 6,
-         "00042"},
-        {"blank filled, separator",
-         [](char* b, unsigned s) { return U_UIntToStrPrepended(42, b, s, ' ', '|'); }, 6, "  42|"},
-        {"zero writes one digit", [](char* b, unsigned s) { return U_UIntToStrPrepended(0, b, s, '*', 0); },
-         5, "***0"},
-        {"high digits dropped",
-         [](char* b, unsigned s) { return U_UInt64ToStrPrepended(123456, b, s, '0', 0); }, 4, "456"},
-        {"hex filled", [](char* b, unsigned s) { return U_UIntHexToStrPrepended(0xab, b, s, '0', 0); }, 9,
-         "000000ab"},
-        {"hex 64 full width",
-         [](char* b, unsigned s) { return U_UInt64HexToStrPrepended(0x1f, b, s, '0', 0); }, 17,
-         "000000000000001f"},
-        {"separator only", [](char* b, unsigned s) { return U_UIntToStrPrepended(42, b, s, '0', ','); }, 2,
-         ","},
-    };
-    for (const auto& c : cases) EXPECT_EQ(TextOf(c.size, c.write, true), c.expected) << c.name;
+// The fixed-width writers (how the width counts dropped zeros, the fill down to the buffer's start),
+// and the sign at the buffer's first byte.
+TEST(BufferFormatting, PadPrependedAndSignKeepTheirWidthFillAndRoom) {
+#define W(call) [](char* b, unsigned s) { return call; }
+    // name, writer, size, whether the text starts at the buffer's first byte, text
+    const std::vector<std::tuple<const char*, char* (*)(char*, unsigned), unsigned, bool, const char*>>
+        cases = {
+            // clang-format off
+        {"sign fits exactly in buf[0]", W(U_IntToStr(-5, b, s, 0, ',')), 4, true, "-5,"},
+        {"no room for the sign: left out", W(U_IntToStr(-5, b, s, 0, ',')), 3, true, "5,"},
+        {"price fraction shown short", W(U_UIntToStrPad(500, b, s, 4, true, 0)), 16, false, "05"},
+        {"price fraction shown full", W(U_UIntToStrPad(500, b, s, 4, false, 0)), 16, false, "0500"},
+        {"zero with flag loses its dropped digit", W(U_UIntToStrPad(0, b, s, 4, true, 0)), 16, false, "000"},
+        {"zero without flag", W(U_UIntToStrPad(0, b, s, 4, false, 0)), 16, false, "0000"},
+        {"width below the digit count", W(U_UIntToStrPad(123456, b, s, 2, false, 0)), 16, false, "123456"},
+        {"width zero drops zeros only", W(U_UIntToStrPad(1200, b, s, 0, true, 0)), 16, false, "12"},
+        {"pad separator after the digits", W(U_UIntToStrPad(7, b, s, 3, false, ';')), 16, false, "007;"},
+        {"pad width bounded by room", W(U_UIntToStrPad(5, b, s, 9, false, 0)), 4, true, "005"},
+        {"pad digits truncated by room", W(U_UIntToStrPad(987654, b, s, 0, false, 0)), 4, true, "654"},
+        {"pad separator alone", W(U_UIntToStrPad(5, b, s, 4, false, ';')), 2, true, ";"},
+        {"pad terminator alone", W(U_UIntToStrPad(5, b, s, 4, false, 0)), 1, true, ""},
+        {"zero filled", W(U_UIntToStrPrepended(42, b, s, '0', 0)), 6, true, "00042"},
+        {"blank filled, separator", W(U_UIntToStrPrepended(42, b, s, ' ', '|')), 6, true, "  42|"},
+        {"zero writes one digit", W(U_UIntToStrPrepended(0, b, s, '*', 0)), 5, true, "***0"},
+        {"prepended high digits dropped", W(U_UInt64ToStrPrepended(123456, b, s, '0', 0)), 4, true, "456"},
+        {"hex filled", W(U_UIntHexToStrPrepended(0xab, b, s, '0', 0)), 9, true, "000000ab"},
+        {"hex 64 full width", W(U_UInt64HexToStrPrepended(0x1f, b, s, '0', 0)), 17, true, "000000000000001f"},
+        {"prepended separator only", W(U_UIntToStrPrepended(42, b, s, '0', ',')), 2, true, ","},
+            // clang-format on
+        };
+#undef W
+    for (const auto& [name, write, size, startsAtBuf, expected] : cases)
+        EXPECT_EQ(TextOf(size, write, startsAtBuf), expected) << name;
 }
 
 TEST(BufferFormatting, TwoDigitsToBufWritesForwardWithinSize) {
-    const struct {
-        const char* name;
-        unsigned size, value;
-        char sep;
-        bool terminated;
-        int resultOffset;    // -1: null
-        std::size_t written; // bytes expected at the buffer's start
-        const char* bytes;
-    } cases[] = {
-        {"size zero returns null", 0, 42, ':', true, -1, 0, ""},
-        {"size one writes only a terminator", 1, 42, ':', true, 0, 1, "\0"},
-        {"size two writes only a terminator", 2, 42, ':', true, 0, 1, "\0"},
-        {"size three has no room for the separator", 3, 42, ':', true, 2, 3, "42\0"},
-        {"size four takes the separator", 4, 42, ':', true, 3, 4, "42:\0"},
-        {"leading zero", 4, 7, 0, true, 2, 3, "07\0"},
-        {"hundreds give a non-digit", 4, 123, 0, true, 2, 3, "<3\0"},
-        {"no terminator form", 3, 59, 0, false, 2, 2, "59"},
-        {"no terminator form small", 2, 59, 0, false, 0, 1, "\0"},
-        {"no terminator form empty", 0, 59, 0, false, -1, 0, ""},
+    // name, size, value, separator, whether terminated, result offset (-1: null), bytes written from the
+    // start
+    const std::vector<std::tuple<const char*, unsigned, unsigned, char, bool, int, std::string>> cases = {
+        // clang-format off
+        {"size zero returns null", 0, 42, ':', true, -1, ""},
+        {"size one writes only a terminator", 1, 42, ':', true, 0, {"\0", 1}},
+        {"size two writes only a terminator", 2, 42, ':', true, 0, {"\0", 1}},
+        {"size three has no room for the separator", 3, 42, ':', true, 2, {"42\0", 3}},
+        {"size four takes the separator", 4, 42, ':', true, 3, {"42:\0", 4}},
+        {"leading zero", 4, 7, 0, true, 2, {"07\0", 3}},
+        {"hundreds give a non-digit", 4, 123, 0, true, 2, {"<3\0", 3}},
+        {"no terminator form", 3, 59, 0, false, 2, "59"},
+        {"no terminator form small", 2, 59, 0, false, 0, {"\0", 1}},
+        {"no terminator form empty", 0, 59, 0, false, -1, ""},
+        // clang-format on
     };
-    for (const auto& c : cases) {
-        GuardedBuffer buffer(c.size);
-        char* result = c.terminated ? U_AppendTwoDigitsToBuf(buffer.data(), c.size, c.value, c.sep)
-                                    : U_AppendTwoDigitsToBufWithNoTerm0(buffer.data(), c.size, c.value);
-        EXPECT_EQ(result, c.resultOffset < 0 ? nullptr : buffer.data() + c.resultOffset) << c.name;
-        EXPECT_EQ(std::string(buffer.data(), c.written), std::string(c.bytes, c.written)) << c.name;
-        EXPECT_TRUE(buffer.GuardsIntact()) << c.name;
+    for (const auto& [name, size, value, sep, terminated, offset, bytes] : cases) {
+        GuardedBuffer buffer(size);
+        char* result = terminated ? U_AppendTwoDigitsToBuf(buffer.data(), size, value, sep)
+                                  : U_AppendTwoDigitsToBufWithNoTerm0(buffer.data(), size, value);
+        EXPECT_EQ(std::tuple(result, std::string(buffer.data(), bytes.size()), buffer.GuardsIntact()),
+                  std::tuple(offset < 0 ? nullptr : buffer.data() + offset, bytes, true))
+            << name;
     }
 }
 
 TEST(BufferFormatting, MarkSectionEndCutsAtTheFirstDelimiter) {
-    const struct {
-        const char* text;
-        char delimiter;
-        bool found;
-        std::size_t offset;
-        const char* firstSection;
-    } cases[] = {
+    // text, delimiter, found, offset of the result, first section
+    const std::vector<std::tuple<const char*, char, bool, std::ptrdiff_t, std::string>> cases = {
         {"ab;cd;ef", ';', true, 2, "ab"}, {";cd", ';', true, 0, ""},      {"abcd", ';', false, 4, "abcd"},
         {"", ';', false, 0, ""},          {"abc", '\0', false, 3, "abc"}, // a zero delimiter is never found
     };
-    for (const auto& c : cases) {
-        std::string text(c.text, std::strlen(c.text) + 1);
-        bool found = !c.found;
-        char* result = U_MarkSectionEnd(text.data(), c.delimiter, &found);
-        EXPECT_EQ(found, c.found) << c.text;
-        EXPECT_EQ(result, text.data() + c.offset) << c.text;
-        EXPECT_STREQ(text.data(), c.firstSection) << c.text;
+    for (const auto& [input, delimiter, expectFound, offset, firstSection] : cases) {
+        std::string text(input, std::strlen(input) + 1);
+        bool found = !expectFound;
+        const char* result = U_MarkSectionEnd(text.data(), delimiter, &found);
+        EXPECT_EQ(std::tuple(found, result - text.data(), std::string(text.c_str())),
+                  std::tuple(expectFound, offset, firstSection))
+            << input;
     }
 }
 

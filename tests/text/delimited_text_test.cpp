@@ -13,8 +13,10 @@
 #include <map>
 #include <random>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -28,25 +30,22 @@ using Map = std::map<std::string, std::string>;
 constexpr unsigned kWhole = ~0u; // the length of a row that gives the whole text
 constexpr int kAny = -1;         // the delimiter of a U_ParseStringToMapWithAnyDelimiter row
 
-// Calls `parse(text, length)` on both forms of the row's text.
-template <typename Parse> void OnBothForms(std::string_view text, unsigned length, Parse parse) {
-    const std::vector<char> block(text.begin(), text.end()); // exactly sized: no terminator
-    SCOPED_TRACE("exactly sized block");
-    parse(block.data(), std::min<unsigned>(length, static_cast<unsigned>(block.size())));
-    const std::string terminated(text);
-    SCOPED_TRACE("NUL-terminated copy");
-    parse(terminated.c_str(), length);
-}
+// Both forms of a row's text, each with the length to pass.
+struct BothForms {
+    BothForms(std::string_view text, unsigned length)
+        : block(text.begin(), text.end()),
+          terminated(text), forms{{block.data(),
+                                   std::min<unsigned>(length, static_cast<unsigned>(block.size()))},
+                                  {terminated.c_str(), length}} {}
+    std::vector<char> block; // exactly sized: no terminator
+    std::string terminated;
+    std::pair<const char*, unsigned> forms[2];
+};
 
 TEST(ParseStringToList, LinesEmptyLineCountAndKeptEmptyLines) {
-    const struct {
-        const char* name;
-        std::string_view text;
-        unsigned length;
-        bool keep;
-        List lines;
-        unsigned emptyLines;
-    } rows[] = {
+    // name, text, length, keep empty lines, lines, empty-line count
+    const std::vector<std::tuple<const char*, std::string_view, unsigned, bool, List, unsigned>> rows = {
+        // clang-format off
         {"crlf lines around an empty one", "a\r\n\r\nb", kWhole, false, {"a", "b"}, 1},
         {"kept empty line counted the same", "a\r\n\r\nb", kWhole, true, {"a", "", "b"}, 1},
         {"empty text counts one line", "", kWhole, true, {}, 1},
@@ -56,34 +55,30 @@ TEST(ParseStringToList, LinesEmptyLineCountAndKeptEmptyLines) {
         {"NUL ends the text", "ab\0cd\nx"sv, kWhole, false, {"ab"}, 0},
         {"length cuts a line", "abc\ndef", 5, false, {"abc", "d"}, 0},
         {"length cuts after a newline", "abc\ndef", 4, false, {"abc"}, 1},
+        // clang-format on
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        OnBothForms(row.text, row.length, [&](const char* text, unsigned length) {
-            List lines{"before"};
+    for (const auto& [name, input, rowLength, keep, expected, expectedEmpty] : rows) {
+        SCOPED_TRACE(name);
+        const BothForms both(input, rowLength);
+        for (const auto& [text, length] : both.forms) {
+            SCOPED_TRACE(text == both.terminated.c_str() ? "NUL-terminated copy" : "exactly sized block");
+            List lines{"before"}, uncounted, withBefore = expected;
             unsigned emptyLines = 99;
-            U_ParseStringToList(text, length, lines, &emptyLines, row.keep);
-            List expected = row.lines;
-            expected.push_front("before");
-            EXPECT_EQ(lines, expected);
-            EXPECT_EQ(emptyLines, row.emptyLines);
-            List uncounted;
-            U_ParseStringToList(text, length, uncounted, nullptr, row.keep);
-            EXPECT_EQ(uncounted, row.lines);
-        });
+            U_ParseStringToList(text, length, lines, &emptyLines, keep);
+            U_ParseStringToList(text, length, uncounted, nullptr, keep);
+            withBefore.push_front("before");
+            EXPECT_EQ(std::tuple(lines, emptyLines, uncounted),
+                      std::tuple(withBefore, expectedEmpty, expected));
+        }
     }
 }
 
 TEST(ParseStringToMap, FirstKeyWinsCountersAndDroppedDelimiters) {
-    const struct {
-        const char* name;
-        std::string_view text;
-        unsigned length;
-        int delimiter; // kAny: tab, space and '|'
-        bool keep;
-        Map added; // besides "pre" -> "0", which the map holds before
-        unsigned duplicates, emptyKeys;
-    } rows[] = {
+    // name, text, length, delimiter (kAny: tab, space and '|'), keep empty keys, entries added besides
+    // "pre" -> "0" (which the map holds before), duplicate count, empty-key count
+    const std::vector<std::tuple<const char*, std::string_view, unsigned, int, bool, Map, unsigned, unsigned>>
+        rows = {
+            // clang-format off
         {"duplicate and empty key", "x=1\nx=2\n=3\ny", kWhole, '=', false, {{"x", "1"}, {"y", ""}}, 1, 1},
         {"kept empty key", "x=1\nx=2\n=3\ny", kWhole, '=', true, {{"", "3"}, {"x", "1"}, {"y", ""}}, 1, 1},
         {"kept empty key is first-wins too", "=1\r\n=2\r\n", kWhole, '=', true, {{"", "1"}}, 1, 2},
@@ -96,33 +91,28 @@ TEST(ParseStringToMap, FirstKeyWinsCountersAndDroppedDelimiters) {
         {"NUL ends the text", "k=v\0w\nq=1"sv, kWhole, '=', false, {{"k", "v"}}, 0, 0},
         {"length cuts a value", "abc=12\nd=4", 5, '=', false, {{"abc", "1"}}, 0, 0},
         {"length cuts a key", "abc=12\nd=4", 8, '=', false, {{"abc", "12"}, {"d", ""}}, 0, 0},
-        {"any: blanks dropped from the value",
-         "KEY  some value",
-         kWhole,
-         kAny,
-         false,
-         {{"KEY", "somevalue"}},
-         0,
-         0},
+        {"any: blanks dropped from the value", "KEY  some value", kWhole, kAny, false, {{"KEY", "somevalue"}}, 0, 0},
         {"any: tab and bar", "a|b\tc\n\tz\nd", kWhole, kAny, false, {{"a", "bc"}, {"d", ""}}, 0, 1},
         {"any: '=' is an ordinary byte", "a=b c", kWhole, kAny, false, {{"a=b", "c"}}, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        OnBothForms(row.text, row.length, [&](const char* text, unsigned length) {
-            Map map{{"pre", "0"}};
+            // clang-format on
+        };
+    for (const auto& [name, input, rowLength, delimiter, keep, added, expectedDuplicates, expectedEmpty] :
+         rows) {
+        SCOPED_TRACE(name);
+        const BothForms both(input, rowLength);
+        for (const auto& [text, length] : both.forms) {
+            SCOPED_TRACE(text == both.terminated.c_str() ? "NUL-terminated copy" : "exactly sized block");
+            Map map{{"pre", "0"}}, expected = added;
             unsigned duplicates = 98, emptyKeys = 99;
-            if (row.delimiter == kAny)
-                U_ParseStringToMapWithAnyDelimiter(text, length, map, &duplicates, &emptyKeys, row.keep);
+            if (delimiter == kAny)
+                U_ParseStringToMapWithAnyDelimiter(text, length, map, &duplicates, &emptyKeys, keep);
             else
-                U_ParseStringToMap(text, length, map, static_cast<char>(row.delimiter), &duplicates,
-                                   &emptyKeys, row.keep);
-            Map expected = row.added;
+                U_ParseStringToMap(text, length, map, static_cast<char>(delimiter), &duplicates, &emptyKeys,
+                                   keep);
             expected.emplace("pre", "0");
-            EXPECT_EQ(map, expected);
-            EXPECT_EQ(duplicates, row.duplicates);
-            EXPECT_EQ(emptyKeys, row.emptyKeys);
-        });
+            EXPECT_EQ(std::tuple(map, duplicates, emptyKeys),
+                      std::tuple(expected, expectedDuplicates, expectedEmpty));
+        }
     }
 }
 
@@ -139,14 +129,12 @@ protected:
     }
     std::string Path(const std::string& name) const { return (dir_ / name).string(); }
     void Put(const std::string& name, std::string_view bytes) const {
-        std::ofstream(dir_ / name, std::ios::binary)
-            .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        std::ofstream(dir_ / name, std::ios::binary) << bytes;
     }
     std::string Bytes(const std::string& name) const {
-        std::string bytes(fs::file_size(dir_ / name), '\0');
-        std::ifstream(dir_ / name, std::ios::binary)
-            .read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        return bytes;
+        std::ostringstream bytes;
+        bytes << std::ifstream(dir_ / name, std::ios::binary).rdbuf();
+        return bytes.str();
     }
     std::set<std::string> Entries() const {
         std::set<std::string> names;
@@ -159,31 +147,27 @@ protected:
 using ReadFileToStringMap = Scratch;
 TEST_F(ReadFileToStringMap, LaterDelimitersKeptCommentsCountedKeysUppercased) {
     const std::string_view file = "a=b=c\r\n#c=1\nx=1\nx=2\n=3\nlow=Val\n#tail"sv;
-    const struct {
-        const char* name;
-        std::string_view bytes;
-        bool upper, keep;
-        Map added; // besides "pre" -> "0"
-        unsigned duplicates, emptyOrComment;
-    } rows[] = {
+    // name, file, uppercase keys, keep empty keys, entries added besides "pre" -> "0", duplicate count,
+    // empty-or-comment count
+    const std::vector<std::tuple<const char*, std::string_view, bool, bool, Map, unsigned, unsigned>> rows = {
+        // clang-format off
         {"uppercase keys", file, true, false, {{"A", "b=c"}, {"X", "1"}, {"LOW", "Val"}}, 1, 3},
         {"keys as written", file, false, true, {{"a", "b=c"}, {"x", "1"}, {"low", "Val"}, {"", "3"}}, 1, 3},
         {"NUL ends the file", "k=v\0w\nq=1"sv, false, false, {{"k", "v"}}, 0, 0},
         {"empty file", "", false, false, {}, 0, 0},
         {"comment char not first", "a#=1\n#\npre=3", false, false, {{"a#", "1"}}, 1, 1},
+        // clang-format on
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Put("map.txt", row.bytes);
-        Map map{{"pre", "0"}};
-        unsigned duplicates = 98, emptyOrComment = 99;
-        EXPECT_TRUE(U_ReadFileToStringMap(Path("map.txt").c_str(), map, '=', '#', row.upper, &duplicates,
-                                          &emptyOrComment, row.keep));
-        Map expected = row.added;
+    for (const auto& [name, bytes, upper, keep, added, expectedDuplicates, expectedSkipped] : rows) {
+        Put("map.txt", bytes);
+        Map map{{"pre", "0"}}, expected = added;
+        unsigned duplicates = 98, skipped = 99;
         expected.emplace("pre", "0");
-        EXPECT_EQ(map, expected);
-        EXPECT_EQ(duplicates, row.duplicates);
-        EXPECT_EQ(emptyOrComment, row.emptyOrComment);
+        EXPECT_TRUE(U_ReadFileToStringMap(Path("map.txt").c_str(), map, '=', '#', upper, &duplicates,
+                                          &skipped, keep));
+        EXPECT_EQ(std::tuple(map, duplicates, skipped),
+                  std::tuple(expected, expectedDuplicates, expectedSkipped))
+            << name;
     }
     for (const std::string& unreadable : {Path("missing.txt"), Path("sub")}) {
         Map map{{"pre", "0"}};
@@ -195,23 +179,15 @@ TEST_F(ReadFileToStringMap, LaterDelimitersKeptCommentsCountedKeysUppercased) {
 using FileExists = Scratch;
 TEST_F(FileExists, FilesDirectoriesAndWildcardPatterns) {
     Put("sub/file.txt", "x");
-    const std::string sub = Path("sub");
-    const struct {
-        std::string path;
-        bool exists;
-    } rows[] = {
-        {Path("sub/file.txt"), true},
-        {sub, true},
-        {(fs::path(sub) / "f*.txt").string(), true},
-        {(fs::path(sub) / "?ile.*").string(), true},
-        {(fs::path(sub) / "*").string(), true},
-        {(fs::path(sub) / "q*").string(), false},
-        {(fs::path(sub) / "f?x*").string(), false},
-        {Path("sub/missing.txt"), false},
-        {(fs::path(sub) / "").string(), false}, // a trailing separator names no entry
-        {"", false},
+    const auto in = [&](const char* name) { return (dir_ / "sub" / name).string(); };
+    const std::pair<std::string, bool> rows[] = {
+        // clang-format off
+        {in("file.txt"), true}, {Path("sub"), true}, {in("f*.txt"), true}, {in("?ile.*"), true}, {in("*"), true},
+        {in("q*"), false}, {in("f?x*"), false}, {in("missing.txt"), false}, {"", false},
+        {in(""), false}, // a trailing separator names no entry
+        // clang-format on
     };
-    for (const auto& row : rows) EXPECT_EQ(U_FileExists(row.path.c_str()), row.exists) << row.path;
+    for (const auto& [path, exists] : rows) EXPECT_EQ(U_FileExists(path.c_str()), exists) << path;
     EXPECT_FALSE(U_FileExists(nullptr));
 }
 
@@ -225,9 +201,8 @@ TEST_F(WholeFiles, WriteReplacesBytesExactlyAndFailsWithoutHarm) {
     EXPECT_EQ(Bytes("out.txt"), "new"); // replaced, nothing of the longer old text left
 
     Put("sub/keep.txt", "kept");
-    EXPECT_FALSE(U_WriteStringToFile(Path("nodir/out.txt").c_str(), "x"));
-    EXPECT_FALSE(U_WriteStringToFile(Path("sub").c_str(), "x"));
-    EXPECT_FALSE(U_WriteStringToFile("", "x"));
+    for (const std::string& bad : {Path("nodir/out.txt"), Path("sub"), std::string()})
+        EXPECT_FALSE(U_WriteStringToFile(bad.c_str(), "x")) << bad;
     EXPECT_FALSE(U_WriteStringToFile(nullptr, "x"));
     EXPECT_TRUE(fs::is_directory(dir_ / "sub"));
     EXPECT_EQ(Bytes("sub/keep.txt"), "kept");
@@ -246,18 +221,17 @@ TEST_F(WholeFiles, WriteReplacesBytesExactlyAndFailsWithoutHarm) {
 
 TEST_F(WholeFiles, ReadAppendsUpToTheFirstNul) {
     const std::string longer = std::string(40000, 'z') + "end"; // more than one read's worth
-    const struct {
-        std::string bytes, after; // "pre:" before the call
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
+        // bytes, the text after "pre:" and the call
         {"a\r\nb\x1a\xff", "pre:a\r\nb\x1a\xff"}, // stored bytes: no line ends or end-of-file mark read
         {"ab\0cd"s, "pre:ab"},
         {longer, "pre:" + longer},
     };
-    for (const auto& row : rows) {
-        Put("in.txt", row.bytes);
+    for (const auto& [bytes, after] : rows) {
+        Put("in.txt", bytes);
         std::string text = "pre:";
         EXPECT_TRUE(U_ReadFileToString(Path("in.txt").c_str(), text));
-        EXPECT_EQ(text, row.after);
+        EXPECT_EQ(text, after);
     }
     for (const std::string& unreadable : {Path("missing.txt"), Path("sub"), std::string()}) {
         std::string text = "pre:";

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -85,9 +86,8 @@ TEST(FixedBufferWriters, BytesGuardSourcePositionAndCount) {
             std::string buffer = std::string(row.size, '#') + 'G'; // 'G': guard byte past the buffer
             unsigned remaining = row.remaining;
             const char* end = Write(row.writer, buffer.data(), row.size, src.data(), &remaining);
-            EXPECT_EQ(buffer, std::string(row.bytes) + 'G');
-            EXPECT_EQ(end ? end - src.data() : kNoResult, row.offset);
-            EXPECT_EQ(remaining, row.remainingAfter);
+            EXPECT_EQ(std::tuple(buffer, end ? end - src.data() : kNoResult, remaining),
+                      std::tuple(std::string(row.bytes) + 'G', row.offset, row.remainingAfter));
         }
     }
 }

@@ -12,6 +12,8 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -62,36 +64,28 @@ std::ptrdiff_t Model(const Fn& f, std::string_view text, std::string_view patter
     return found;
 }
 
-TEST(TextSearch, EdgeCases) {
-    const struct {
-        const Fn& fn;
-        std::string_view text;
-        const char* pattern;
-        std::ptrdiff_t expected;
-    } rows[] = {
-        {kStriStr, "Long ibm calls", "IBM", 5},
-        {kStriStr, "Long ibm calls", "ibm", kNull}, // lower case in the pattern never matches
-        {kStriStr, "`{", "@[", kNull},              // only a..z fold
-        {kStriStr, "a\xe9\xff", "\xE9\xFF", 1},
-        {kStrStr, "ABC", nullptr, kNull},
-        {kUpTo, "ABCD", "CD", 2},
-        {kUpTo, "ABCD", "DE", kNull},
-        {kUpTo, {"A\0B\0AB", 6}, "AB", 4},
-        {kBack, "ABAB", "AB", 2},
-        {kEnd, "xx8=FI", "8=FIX", 4},
-        {kEnd, "8=FIX", "8=FIX", kNull}, // a whole occurrence is not reported ...
-        {kEnd, "8=FIX|8", "8=FIX", 1},   // ... a prefix after it is
-        {kEnd, "AA", "AA", 1},
-        {kEnd, "AAA", "AAAA", 3}, // the longest prefix
-        {kEnd, "xA", "A", kNull}, // a one-character pattern never
-        {kEndI, "xx8=fi", "8=FIX", 4},
-        {kEndUpTo, {"8\0", 2}, "8X", kNull}, // a NUL within the length does not end the text
+// What the random texts below do not reach (bytes outside their alphabet, a null pattern), and the
+// End family's rules spelled out.
+TEST(TextSearch, FoldOnlyAToZAndEndFamilyReportsOnlyATrailingPrefix) {
+    const std::vector<std::tuple<const Fn*, std::string_view, const char*, std::ptrdiff_t>> rows = {
+        // clang-format off
+        {&kStriStr, "Long ibm calls", "ibm", kNull}, // lower case in the pattern never matches
+        {&kStriStr, "`", "@", kNull}, {&kStriStr, "{", "[", kNull},         // only a..z fold, at the ends
+        {&kStriStr, "x`x", "X@X", kNull}, {&kStriStr, "x{x", "X[X", kNull}, // and inside
+        {&kStriStr, "a\xe9\xff", "\xE9\xFF", 1},
+        {&kStrStr, "ABC", nullptr, kNull},
+        {&kEnd, "8=FIX", "8=FIX", kNull}, // a whole occurrence is not reported ...
+        {&kEnd, "8=FIX|8", "8=FIX", 1},   // ... a prefix after it is
+        {&kEnd, "AAA", "AAAA", 3},        // the longest prefix
+        {&kEnd, "xA", "A", kNull},        // a one-character pattern never
+        {&kEndI, "xx8=fi", "8=FIX", 4},
+        // clang-format on
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(Search(row.fn, row.text, row.pattern), row.expected) << row.fn.name << " " << row.text;
+    for (const auto& [fn, text, pattern, expected] : rows)
+        EXPECT_EQ(Search(*fn, text, pattern), expected) << fn->name << " " << text;
 }
 
-TEST(TextSearch, AgreesWithModelOnRandomTexts) {
+TEST(TextSearch, EverySearchAgreesWithTheNaiveModelOnRandomTexts) {
     std::mt19937 random(1403);
     const auto pick = [&](std::string_view alphabet, std::size_t n) {
         std::string s(n, ' ');
@@ -114,7 +108,7 @@ TEST(TextSearch, AgreesWithModelOnRandomTexts) {
 
 // A lone occurrence at every position of a long text: every boundary of the block scan, and of the
 // pieces in which a terminated text's end is found, falls inside some occurrence.
-TEST(TextSearch, LoneOccurrenceAtEveryPositionOfALongText) {
+TEST(TextSearch, BlockScanFindsALoneOccurrenceAtEveryPositionOfALongText) {
     for (std::size_t at = 0; at + 3 <= 2100; ++at) {
         std::string text(2100, 'x');
         text.replace(at, 3, "aBc");
@@ -128,7 +122,7 @@ TEST(TextSearch, LoneOccurrenceAtEveryPositionOfALongText) {
     }
 }
 
-TEST(TextSearch, Prefixes) {
+TEST(TextSearch, PrefixTestsStopAtTheCountAndNeedThePlusChar) {
     const struct {
         const char *text, *prefix;
         int plus; // -1: U_StringStartsWith, else U_StringStartsWithPlusChar with this character
@@ -160,93 +154,74 @@ TEST(TextSearch, Prefixes) {
     }
 }
 
-TEST(TextSearch, PatternMatchWithoutBacktracking) {
-    const struct {
-        const char *text, *pattern;
-        bool expected;
-    } rows[] = {
+TEST(TextSearch, PatternMatchDoesNotBacktrack) {
+    const std::tuple<const char*, const char*, bool> rows[] = {
         {"ABC", "A?C", true}, {"ABC", "A*", true},     {"ABC", "*", true},    {"", "*", true},
         {"B", "*B", false},   {"ABCBC", "A*C", false}, {"ABXC", "A*C", true}, {"AC", "A*C", false},
         {"A", "A*", true},    {"AB", "A*?", false},    {"ABC", "ABD", false}, {"AB", "ABC", false},
         {"ABC", "AB", false}, {"", "", true},          {"A", "", false},      {"A", "A?", false},
         {"ABC", "*B*", true}, {"abc", "ABC", false},   {"a?", "*?", true},    {"ABC", "?*", true},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(U_PatternMatch(row.text, row.pattern), row.expected) << row.text << " ~ " << row.pattern;
+    for (const auto& [text, pattern, expected] : rows)
+        EXPECT_EQ(U_PatternMatch(text, pattern), expected) << text << " ~ " << pattern;
     EXPECT_TRUE(U_HasWildCards("AB?") && U_HasWildCards("*"));
     EXPECT_FALSE(U_HasWildCards("AB") || U_HasWildCards(nullptr));
 }
 
-TEST(TextSearch, CompareText) {
+TEST(TextSearch, CompareTextTreatsNullAsEmptyAndBytesAsUnsigned) {
     const char* same = "A";
-    const struct {
-        const char *a, *b;
-        int expected;
-    } rows[] = {
+    const std::tuple<const char*, const char*, int> rows[] = {
         {nullptr, "", 0}, {"", nullptr, 0}, {same, same, 0},  {"", "A", -1},   {nullptr, "A", -1},
         {"A", "", 1},     {"AB", "AB", 0},  {"AB", "AC", -1}, {"A", "AB", -1}, {"\x80", "\x7f", 1},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(U_CompareText(row.a, row.b), row.expected)
-            << (row.a ? row.a : "null") << (row.b ? row.b : "null");
-        EXPECT_EQ(U_IsTextDifferent(row.a, row.b), row.expected != 0);
-    }
+    for (const auto& [a, b, expected] : rows)
+        EXPECT_EQ(std::tuple(int{U_CompareText(a, b)}, U_IsTextDifferent(a, b)),
+                  std::tuple(expected, expected != 0))
+            << (a ? a : "null") << (b ? b : "null");
 }
 
 // One held text through a sequence of replacements: result, content and whether the buffer was kept.
-TEST(TextSearch, ReplaceHeldText) {
+TEST(TextSearch, ReplaceTextReusesTheHeldBufferOnlyWhenItFits) {
     char* held = nullptr;
-    const struct {
-        const char* next; // "=": the held pointer itself
-        bool changed;
-        const char* content;
-        bool sameBuffer;
-    } steps[] = {
+    // the next text ("=": the held pointer itself), whether it changed, the content, whether the buffer was
+    // kept
+    const std::tuple<const char*, bool, const char*, bool> steps[] = {
         {"", false, nullptr, true},      {nullptr, false, nullptr, true}, {"IBM", true, "IBM", false},
         {"=", false, "IBM", true},       {"IBM", false, "IBM", true},     {"MSF", true, "MSF", true},
         {"AAPL", true, "AAPL", false},   {"", true, nullptr, false},      {"X", true, "X", false},
         {nullptr, true, nullptr, false},
     };
-    for (const auto& step : steps) {
+    for (const auto& [next, changed, content, sameBuffer] : steps) {
         const char* before = held;
-        const bool self = step.next != nullptr && std::string_view(step.next) == "=";
-        EXPECT_EQ(U_ReplaceText(&held, self ? held : step.next), step.changed) << step.content;
-        EXPECT_STREQ(held, step.content);
-        EXPECT_EQ(held == before, step.sameBuffer) << step.content;
+        const bool self = next != nullptr && std::string_view(next) == "=";
+        EXPECT_EQ(U_ReplaceText(&held, self ? held : next), changed) << content;
+        EXPECT_EQ(std::tuple(held ? std::string(held) : "(null)", held == before),
+                  std::tuple(std::string(content ? content : "(null)"), sameBuffer));
     }
     EXPECT_FALSE(U_ReplaceText(nullptr, "A"));
 }
 
-TEST(TextSearch, StringHash) {
-    const struct {
-        std::string text;
-        std::uint32_t expected;
-    } rows[] = {
-        {"", 0},
-        {"A", 0x01000041},
-        {"AB", 0x02420041},
-        {"ABC", 0x03434241},
-        {"ABCD", 0x04444241},
-        {"\x80", 0xFFFFFF80},                // high bytes are sign-extended: first,
-        {"A\xFF", 0xFFFF0041},               // last
-        {"A\x80\x42", 0xFFFF8041},           // and middle
+TEST(TextSearch, StringHashSignExtendsHighBytesAndKeepsTheLengthsLowByte) {
+    const std::pair<std::string, std::uint32_t> rows[] = {
+        // clang-format off
+        {"", 0}, {"A", 0x01000041}, {"AB", 0x02420041}, {"ABC", 0x03434241}, {"ABCD", 0x04444241},
+        {"\x80", 0xFFFFFF80}, {"A\xFF", 0xFFFF0041}, {"A\x80\x42", 0xFFFF8041}, // high bytes sign-extended anywhere
         {std::string(300, 'x'), 0x2C787878}, // the length keeps its low 8 bits
+        // clang-format on
     };
-    for (const auto& row : rows) EXPECT_EQ(U_StringHash(row.text), row.expected) << row.text.size();
+    for (const auto& [text, expected] : rows) EXPECT_EQ(U_StringHash(text), expected) << text.size();
 }
 
-TEST(TextSearch, ReplaceSubstring) {
-    const struct {
-        const char *text, *search, *replacement, *expected;
-    } rows[] = {
+TEST(TextSearch, ReplaceSubstringDoesNotRescanReplacements) {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
         {"aaa", "aa", "b", "pre:ba"},    {"a.b.c", ".", "::", "pre:a::b::c"},
         {"abc", "", "x", "pre:abc"},     {"abab", "ab", "abab", "pre:abababab"},
         {"abc", "b", nullptr, "pre:ac"}, {nullptr, "a", "b", "pre:"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [text, search, replacement, expected] : rows) {
         std::string out = "pre:";
-        EXPECT_EQ(&U_ReplaceSubstring(row.text, row.search, row.replacement, out), &out);
-        EXPECT_EQ(out, row.expected) << row.expected;
+        EXPECT_EQ(&U_ReplaceSubstring(text, search, replacement, out), &out);
+        EXPECT_EQ(out, expected);
     }
 }
 

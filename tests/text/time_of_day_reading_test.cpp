@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -39,8 +40,7 @@ TEST(TimeOfDayReaders, ValueOrDefaultAndCursor) {
         const unsigned value =
             row.seconds ? U_ReadSecondFromStr(&cursor, row.delimiter, 77, row.timeSeparator)
                         : U_ReadMillisecondFromStr(&cursor, row.delimiter, 77, row.timeSeparator, '.');
-        EXPECT_EQ(value, row.expected);
-        EXPECT_EQ(cursor - text.data(), row.offset);
+        EXPECT_EQ(std::tuple(value, cursor - text.data()), std::tuple(row.expected, row.offset));
     }
 }
 

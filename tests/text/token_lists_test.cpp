@@ -6,19 +6,18 @@
 
 #include <list>
 #include <string>
+#include <tuple>
+#include <vector>
 
 namespace {
 
 using Tokens = std::list<std::string>;
 
-TEST(TokenLists, Split) {
-    const struct {
-        bool
-            by2Chars; // U_BreakStringIntoTokensBy2Chars(text, c1, c2), else U_BreakStringIntoTokens(text, c1)
-        const char* text;
-        char c1, c2;
-        Tokens appended;
-    } rows[] = {
+TEST(TokenLists, SplitKeepsMarkedTokensAndUndoublesOnlyInsideAToken) {
+    // U_BreakStringIntoTokensBy2Chars(text, c1, c2) (else U_BreakStringIntoTokens(text, c1)), text, c1, c2,
+    // tokens appended
+    const std::vector<std::tuple<bool, const char*, char, char, Tokens>> rows = {
+        // clang-format off
         {false, "", '%', 0, {}},
         {false, nullptr, '%', 0, {}},
         {false, "Bid %p x %s", '%', 0, {"Bid ", "%p", " x ", "%s"}},
@@ -32,29 +31,26 @@ TEST(TokenLists, Split) {
         {true, "", '\r', '\n', {}},
         {true, "a\r\nb\r\n", '\r', '\n', {"a", "b", ""}}, // a trailing separator leaves an empty token
         {true, "\r\n\r\nb", '\r', '\n', {"", "", "b"}},
-        {true, "a\r\r\nb", '\r', '\n', {"a\r\r\nb"}}, // a separator right after a first is not seen
+        {true, "a\r\r\nb", '\r', '\n', {"a\r\r\nb"}},     // a separator right after a first is not seen
         {true, "ab\r", '\r', '\n', {"ab\r"}},
-        {true, "a|b|", '|', '\0', {"a|b"}}, // second 0: a first ending the text separates
+        {true, "a|b|", '|', '\0', {"a|b"}},               // second 0: a first ending the text separates
         {true, "a\nb", '\0', '\n', {"a\nb"}},
+        // clang-format on
     };
-    for (const auto& row : rows) {
-        Tokens tokens{"kept"};
-        if (row.by2Chars)
-            U_BreakStringIntoTokensBy2Chars(row.text, row.c1, row.c2, tokens);
-        else
-            U_BreakStringIntoTokens(row.text, row.c1, tokens);
-        Tokens expected = row.appended;
+    for (const auto& [by2Chars, text, c1, c2, appended] : rows) {
+        Tokens tokens{"kept"}, expected = appended;
         expected.push_front("kept");
-        EXPECT_EQ(tokens, expected) << (row.text ? row.text : "null");
+        if (by2Chars)
+            U_BreakStringIntoTokensBy2Chars(text, c1, c2, tokens);
+        else
+            U_BreakStringIntoTokens(text, c1, tokens);
+        EXPECT_EQ(tokens, expected) << (text ? text : "null");
     }
 }
 
-TEST(TokenLists, Combine) {
-    const struct {
-        const char* separator;
-        Tokens tokens;
-        std::string expected;
-    } rows[] = {
+TEST(TokenLists, CombineReplacesTheResultAndPutsSeparatorsOnlyBetween) {
+    const std::vector<std::tuple<const char*, Tokens, std::string>> rows = {
+        // separator, tokens, result
         {",", {"a", "b", "c"}, "a,b,c"},
         {nullptr, {"a", "b", "c"}, "abc"},
         {"", {"a", "b"}, "ab"},
@@ -62,10 +58,10 @@ TEST(TokenLists, Combine) {
         {",", {}, ""},
         {", ", {"", "b", ""}, ", b, "},
     };
-    for (const auto& row : rows) {
+    for (const auto& [separator, tokens, expected] : rows) {
         std::string result = "old";
-        EXPECT_EQ(&U_CombineTokensIntoString(row.separator, row.tokens, result), &result);
-        EXPECT_EQ(result, row.expected);
+        EXPECT_EQ(&U_CombineTokensIntoString(separator, tokens, result), &result);
+        EXPECT_EQ(result, expected);
     }
 }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -69,10 +70,9 @@ void RunRows(const std::vector<Row>& rows) {
             const char* cursor = text.data();
             unsigned remaining = row.remaining;
             unsigned char digits = row.digits;
-            EXPECT_EQ(row.read(&cursor, &remaining, &digits), row.expected);
-            EXPECT_EQ(cursor - text.data(), row.offset);
-            EXPECT_EQ(remaining, row.remainingAfter);
-            EXPECT_EQ(digits, row.digitsAfter);
+            const U value = row.read(&cursor, &remaining, &digits);
+            EXPECT_EQ(std::tuple(value, cursor - text.data(), remaining, int{digits}),
+                      std::tuple(row.expected, row.offset, row.remainingAfter, int{row.digitsAfter}));
         }
     }
 }
