@@ -3,6 +3,7 @@
 
 #include "VeloraUtils/DateTime.h"
 #include "VeloraUtils/DelimitedText.h"
+#include "VeloraUtils/Events.h"
 #include "VeloraUtils/Export.h"
 #include "VeloraUtils/FixParsing.h"
 #include "VeloraUtils/FixTagCollection.h"
@@ -13,6 +14,7 @@
 #include "VeloraUtils/PriceConversion.h"
 #include "VeloraUtils/PriceText.h"
 #include "VeloraUtils/Prices.h"
+#include "VeloraUtils/RingBuffers.h"
 #include "VeloraUtils/RingVector.h"
 #include "VeloraUtils/SymbolValidity.h"
 #include "VeloraUtils/TextSearch.h"

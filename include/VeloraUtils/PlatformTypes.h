@@ -24,6 +24,27 @@ struct WSABUF {
     char* buf;
 };
 
+// Window-message parameters, as wide as the Windows ones on a 64-bit system.
+typedef std::uintptr_t WPARAM;
+typedef std::intptr_t LPARAM;
+
+// The POSIX form of a window that receives posted messages: a sink the caller implements. Its
+// Post is called on the posting thread (for ring-buffer notification: the writer's thread) and
+// must not block for long; it returns false when the message could not be queued. The library
+// never deletes a sink.
+class VeloraMessageSink {
+public:
+    virtual ~VeloraMessageSink() = default;
+    virtual bool Post(unsigned int message, WPARAM wparam, LPARAM lparam) = 0;
+};
+
+// A window handle: the sink that receives the messages, or null for none.
+typedef VeloraMessageSink* HWND;
+
+// A handle of a library object; for events, one made by U_CreateEvent (VeloraUtils/Events.h),
+// which is pollable: its descriptor is readable while the event is set.
+typedef void* HANDLE;
+
 namespace velora {
 
 // Fills out[0..count-1] from the WSABUF slots, for writev/sendmsg. `out` holds at least `count`

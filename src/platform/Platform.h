@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "VeloraUtils/PlatformTypes.h"
+#include "platform/Events.h"
 #include "platform/Files.h"
 
 namespace velora::platform {
