@@ -42,17 +42,11 @@ TEST(RingBufferEvents, SetWaitResetAndTimeout) {
         SCOPED_TRACE(c.name);
         HANDLE event = U_CreateEvent(c.manualReset, c.initiallySet);
         ASSERT_NE(event, nullptr);
-        for (const char* p = c.script; *p != '\0'; ++p) {
-            if (*p == 's') {
-                EXPECT_TRUE(U_SetEvent(event));
-            }
-            if (*p == 'r') {
-                EXPECT_TRUE(U_ResetEvent(event));
-            }
-            if (*p == '0' || *p == '1') {
-                EXPECT_EQ(U_WaitForEvent(event, *p == '0' ? 10 : 0), *p - '0');
-            }
-        }
+        for (const char* p = c.script; *p != '\0'; ++p)
+            EXPECT_TRUE(*p == 's'   ? U_SetEvent(event)
+                        : *p == 'r' ? U_ResetEvent(event)
+                                    : U_WaitForEvent(event, *p == '0' ? 10 : 0) == *p - '0')
+                << p;
         EXPECT_TRUE(U_CloseEvent(event));
     }
     EXPECT_EQ(U_WaitForEvent(nullptr, 0), -1);
@@ -97,18 +91,16 @@ TEST(RingBufferNotification, FirstWriteAfterADrainWakesTheReaderOnce) {
         ASSERT_NE(first.Handle(), nullptr);
         HANDLE event = U_CreateEvent(false, false);
         std::unique_ptr<RingBufferList> list;
-        RingBufferListWindowsNotification* windowed = nullptr;
-        if (c.kind == kEvent) {
+        if (c.kind == kEvent)
             list = std::make_unique<RingBufferListEventNotification>(8, 8, 2, 0, false, event);
-        } else if (c.kind == kWindow) {
+        else if (c.kind == kWindow)
             list = std::make_unique<RingBufferListWindowsNotification>(8, 8, 2, 0, false, first.Handle(),
                                                                        kParameter);
-            windowed = static_cast<RingBufferListWindowsNotification*>(list.get());
-        } else {
+        else
             list = std::make_unique<RingBufferListEventAndWindowsNotification>(
                 8, 8, 2, 0, false, first.Handle(), kParameter, event);
-            windowed = static_cast<RingBufferListWindowsNotification*>(list.get());
-        }
+        auto* windowed =
+            c.kind == kEvent ? nullptr : static_cast<RingBufferListWindowsNotification*>(list.get());
         std::int64_t counter = 0;
         for (std::size_t i = 0; c.script[i] != '\0'; ++i) {
             SCOPED_TRACE(i);
