@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "containers/detail/RingDetail.h"
 
@@ -19,18 +20,32 @@ namespace {
 constexpr auto kRelaxed = std::memory_order_relaxed;
 constexpr auto kAcquire = std::memory_order_acquire;
 constexpr auto kRelease = std::memory_order_release;
+
+// The bytes of a ring start on a cache-line boundary: a block written at a multiple of its own
+// size (records) then never straddles more lines than it must, and the copy stores stay aligned.
+constexpr std::align_val_t kBufferAlignment{64};
+
+char* AllocateBuffer(unsigned int size) {
+    return static_cast<char*>(::operator new[](size, kBufferAlignment));
+}
+
+void FreeBuffer(char* buffer) noexcept {
+    ::operator delete[](buffer, kBufferAlignment);
+}
 } // namespace
 
 RingBuffer::RingBuffer(unsigned int requestedSize, unsigned int minSpace, bool contiguousMode)
     : size(RaisedRingSize(requestedSize, minSpace)), minWriteSpace(minSpace),
       // The whole raised size is allocated: a smaller buffer would let writes run past its end.
-      buffer(new char[size]()), endPoint(size), contiguous(contiguousMode) {}
+      buffer(AllocateBuffer(size)), endPoint(size), contiguous(contiguousMode) {
+    std::memset(buffer, 0, size);
+}
 
 // The members below mark the ring dirty through SetDirty, which stores only on a change: a reader
 // polling an empty ring then writes nothing to shared memory.
 
 RingBuffer::RingBuffer(const RingBuffer& other)
-    : size(other.size), minWriteSpace(other.minWriteSpace), buffer(new char[other.size]),
+    : size(other.size), minWriteSpace(other.minWriteSpace), buffer(AllocateBuffer(other.size)),
       readCursor(other.readCursor.load(kRelaxed)), dirty(other.dirty.load(kRelaxed)),
       readerSeenWrite(other.readerSeenWrite), writeCursor(other.writeCursor.load(kRelaxed)),
       endPoint(other.endPoint.load(kRelaxed)), contiguous(other.contiguous),
@@ -40,9 +55,9 @@ RingBuffer::RingBuffer(const RingBuffer& other)
 
 RingBuffer& RingBuffer::operator=(const RingBuffer& other) {
     if (this == &other) return *this;
-    char* copy = new char[other.size];
+    char* copy = AllocateBuffer(other.size);
     std::memcpy(copy, other.buffer, other.size);
-    delete[] buffer;
+    FreeBuffer(buffer);
     buffer = copy;
     size = other.size;
     minWriteSpace = other.minWriteSpace;
@@ -57,7 +72,7 @@ RingBuffer& RingBuffer::operator=(const RingBuffer& other) {
 }
 
 RingBuffer::~RingBuffer() {
-    delete[] buffer;
+    FreeBuffer(buffer);
 }
 
 void RingBuffer::Reset() noexcept {
